@@ -1,0 +1,68 @@
+#pragma once
+
+#include <compare>
+#include <string>
+#include <string_view>
+
+#include "common/Export.h"
+
+// The wide string of the interface: sentences and words. One code point a character.
+//
+//   CString word("caf\xC3\xA9");        // narrow text is UTF-8
+//   word.MakeUpper();                   // one character to one, no locale
+//   if (word == L"CAF\u00C9") ...
+//   std::string utf8 = word.Utf8();
+//
+// Positions and counts are in characters. A position outside the text is never an error: the part
+// that lies inside it counts.
+class VERAL3_API CString {
+ public:
+  CString() = default;
+  CString(const wchar_t* text);     // null reads as empty
+  CString(const char* utf8);        // null reads as empty
+  CString(std::wstring_view text);  // copied
+  CString(std::string_view utf8);   // decoded; bad bytes become U+FFFD
+  CString(const std::wstring& text) : CString(std::wstring_view(text)) {}
+  CString(const std::string& utf8) : CString(std::string_view(utf8)) {}
+
+  int GetLength() const { return static_cast<int>(m_str.size()); }
+  bool IsEmpty() const { return m_str.empty(); }
+  void Empty() { m_str.clear(); }
+
+  // The character at `index`, L'\0' outside the text.
+  wchar_t GetAt(int index) const;
+  wchar_t operator[](int index) const { return GetAt(index); }
+
+  // Zero-terminated text; valid until the string changes or ends.
+  const wchar_t* GetString() const { return m_str.c_str(); }
+  operator std::wstring_view() const { return m_str; }
+  std::string Utf8() const;
+
+  // Negative, zero or positive, by character code (case matters).
+  int Compare(std::wstring_view other) const;
+
+  // First place at or after `start`, -1 when there is none.
+  int Find(wchar_t c, int start = 0) const;
+  int Find(std::wstring_view part, int start = 0) const;
+
+  CString Left(int count) const;
+  CString Right(int count) const;
+  CString Mid(int first) const;
+  CString Mid(int first, int count) const;
+
+  // Upper case in place, one character to one.
+  CString& MakeUpper();
+
+  CString& operator+=(std::wstring_view text);
+  CString& operator+=(wchar_t c);
+  friend CString operator+(CString a, std::wstring_view b) { return a += b; }
+
+  friend bool operator==(const CString& a, const CString& b) { return a.m_str == b.m_str; }
+  friend bool operator==(const CString& a, const wchar_t* b) { return a == CString(b); }
+  friend std::strong_ordering operator<=>(const CString& a, const CString& b) {
+    return a.Compare(b.m_str) <=> 0;
+  }
+
+ private:
+  std::wstring m_str;
+};
