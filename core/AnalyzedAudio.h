@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "core/AlignedAudio.h"
+#include "recognition/ModelFileType.h"
+
+namespace veral3 {
+struct AnalysisState;
+}
+
+// One recording of a speaker who reads a sentence, aligned and measured.
+//
+//   AnalyzedAudio::LoadResourceInFolderPath("resources/");     // once a process; mind the slash
+//   AnalyzedAudio::LoadModelFile("resources/EnglishFrame.model", kFrameModelEnglish);
+//
+//   AnalyzedAudio audio(kLanguageEnglish);
+//   audio.AddPossibleSentence(L"Good morning");                // up to 8 candidates
+//   int matched = audio.Align(num_samples, samples);           // index of the sentence, or
+//   negative if (matched >= 0) {
+//     for (int i = 0; i < audio.GetNumOfPhonemes(); ++i) {
+//       use(audio.GetPhonemes()[i], audio.GetPhonemeStartSampleNum(i));
+//     }
+//   }
+//
+// Samples are 16 bit, mono, 22050 Hz, at least 551 of them; they stay the caller's. Failures write
+// one message (see common/Messages.h) and return a negative number; nothing throws.
+//
+// Threads: load first. Afterwards any number of threads may each analyse with objects of their
+// own, also against one shared tutor; one object serves one thread at a time. The results are the
+// same to the last bit whatever runs beside them.
+//
+// A copy shares the results of its source, and neither is changed by what becomes of the other.
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
+class VERAL3_API AnalyzedAudio : public AlignedAudio {
+ public:
+  // Another value than the three languages is reported, and every operation of the object then
+  // answers with a message and a negative number.
+  explicit AnalyzedAudio(LanguageType language);
+  AnalyzedAudio(const AnalyzedAudio& other);
+  AnalyzedAudio& operator=(const AnalyzedAudio& other);
+  ~AnalyzedAudio();
+
+  // Loads the three dictionaries KEN-UTF8Order.txt, KCN-UTF8Order.txt and KJP-UTF8Order.txt. The
+  // file names are put directly behind `folder` (UTF-8), so it must end with its separator. What
+  // is missing is reported; the others load. Objects made before keep the dictionary they had.
+  static void LoadResourceInFolderPath(const char* folder);
+
+  // Loads one network (docs/formats/model.md). Returns its version, -1 on failure; a type that
+  // names no model comes back as it is, and nothing is loaded. Refused while an analysis runs.
+  static int LoadModelFile(const char* path, ModelFileType type);
+
+  // Adds a candidate sentence. Returns the number of sentences so far (1 to 8); -1 when there are
+  // 8 already; -101 for a text that begins with a bar and a blank, -200 and -300 for a bad inline
+  // pronunciation or an unknown inline segment, -400 for bad inline digits, -500 for more than 256
+  // words. A word that the dictionary lacks is reported and passed over.
+  int AddPossibleSentence(CString sentence);
+
+  // Finds the sentence that was read and where each of its phonemes lies. The samples are
+  // high-pass filtered in place (80 Hz) before anything is checked. Returns the index of the
+  // sentence, in the order added, or a negative number; the results of an earlier alignment are
+  // gone either way.
+  int Align(std::uint32_t num_samples, std::int16_t* samples);
+
+  // The same against the sentences of `tutor`, which any number of learners may use at once. The
+  // samples are taken as they are: not filtered.
+  int AlignAgainstTutor(const AnalyzedAudio* tutor, std::uint32_t num_samples,
+                        std::int16_t* samples);
+
+  double GetLogProbOfAlign();     // of the best path, natural logarithm
+  int GetMatchedSentenceIndex();  // 0-based; -1 before an alignment
+  CString GetWordOfMatchedSentence(int word);
+  int GetSizeOfPhonemeSet();  // symbols of the language, the pause among them
+
+  // Geometric mean over its frames of the probability that the frame classifier gave a phoneme,
+  // and the same for the gaps: before the first phoneme, between two, after the last (1.0 for an
+  // empty gap; one more gap than phonemes).
+  double GetPhonMFCCProb(int phon);
+  double GetPauseMFCCProb(int gap);
+
+  // Forgets what the analysis measured; the alignment stays.
+  void ReleaseMemory();
+
+  LanguageType GetLanguageType() override;
+  const char* GetPhonemes() override;
+  CString GetMatchedSentence() override;
+  int GetNumOfSamples() override;
+  int GetNumOfPhonemes() override;
+  int GetNumOfSyllables() override;
+  int GetNumOfWords() override;
+  int GetPhonemeStartSampleNum(int phon) override;
+  int GetPhonemeEndSampleNum(int phon) override;
+  int GetUttStartSampleNum() override;
+  int GetUttEndSampleNum() override;
+  int GetSyllableStartPosition(int syl) override;
+  int GetWordStartPosition(int word) override;
+  int GetSyllablePitch(int syl) override;
+  double GetSylToneProb(int syl, int tone) override;
+  int GetSyllableToneOrStress(int syl) override;
+  int GetSyllableDuration(int syl) override;
+  double GetSyllableIntensity(int syl) override;
+  int GetUttNumOfPitchSegments() override;
+  int GetWaveY(int i) override;
+  int GetPitchContour(int i) override;
+  int GetIntensityContour(int i) override;
+  int GetWordPitch(int word) override;
+
+ protected:
+  // What the engine's own derived classes read; null only if memory ran out at construction.
+  const veral3::AnalysisState* State() const { return m_state.get(); }
+
+ private:
+  std::unique_ptr<veral3::AnalysisState> m_state;
+};
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
