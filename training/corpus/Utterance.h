@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace veral3::training {
+
+// A phoneme (or '-', a pause) that begins at a sample and lasts to the next one's start, the last
+// one to the end of the recording.
+struct PhonemeLabel {
+  char symbol;
+  std::int32_t start;  // samples
+
+  friend bool operator==(const PhonemeLabel&, const PhonemeLabel&) = default;
+};
+
+// One spoken sentence: 16 bit, mono, 22050 Hz, with what is said when. The labels begin at sample 0
+// and ascend.
+struct Utterance {
+  std::string text;   // as given to the synthesiser
+  std::string voice;  // which synthesiser and voice
+  std::vector<PhonemeLabel> labels;
+  std::vector<std::int16_t> samples;
+};
+
+// The phonemes alone, pauses left out.
+std::string PhonemesOf(const Utterance& utterance);
+
+}  // namespace veral3::training
