@@ -74,7 +74,8 @@ namespace {
 
 class CaseMaker {
  public:
-  explicit CaseMaker(const Chooser& choose) : m_choose(choose) {}
+  CaseMaker(const Chooser& choose, int most_frames)
+      : m_choose(choose), m_most_frames(static_cast<std::uint32_t>(most_frames)) {}
 
   AlignerCase Make() {
     AlignerCase made;
@@ -91,11 +92,12 @@ class CaseMaker {
     std::uint32_t room = 8;
     for (std::uint32_t i = 0; i < num_rounds; ++i) {
       AlignerRound round;
-      const std::uint32_t most = std::min<std::uint32_t>(room, i == 0 ? 8 : 2);
+      const bool alone = num_rounds > 1 && OneIn(2);  // a network of shared nodes only, at first
+      const std::uint32_t most = std::min<std::uint32_t>(room, i > 0 ? 2 : (alone ? 1 : 8));
       const std::uint32_t count = i == 0 ? 1 + m_choose(most) : (most == 0 ? 0 : m_choose(most));
       for (std::uint32_t k = 0; k < count; ++k) round.added.push_back(MakeSentence());
       room -= count;
-      round.num_frames = 1 + static_cast<int>(m_choose(OneIn(4) ? 12 : 70));
+      round.num_frames = 1 + static_cast<int>(m_choose(OneIn(4) ? 12 : m_most_frames));
       MakeScores(*made.set, round);
       made.rounds.push_back(std::move(round));
     }
@@ -195,6 +197,7 @@ class CaseMaker {
   }
 
   const Chooser& m_choose;
+  std::uint32_t m_most_frames;
   std::string m_symbols;
   std::vector<WordPointer> m_words;
   std::vector<std::uint32_t> m_base;
@@ -251,11 +254,22 @@ std::string Difference(int answer, const std::string& messages, const AlignmentR
   return {};
 }
 
+void Count(const LiteralResult& result, AlignerTally& tally) {
+  tally.matched += result.answer >= 0 ? 1 : 0;
+  tally.matched_by_fallback += result.by_fallback ? 1 : 0;
+  tally.no_winner += result.answer == -1 ? 1 : 0;
+  tally.no_sentence += result.answer == -2 ? 1 : 0;
+  tally.tied_paths += result.ties;
+  tally.too_many_nodes += result.messages.find("Too many") != std::string::npos ? 1 : 0;
+}
+
 }  // namespace
 
-AlignerCase MakeAlignerCase(const Chooser& choose) { return CaseMaker(choose).Make(); }
+AlignerCase MakeAlignerCase(const Chooser& choose, int most_frames) {
+  return CaseMaker(choose, most_frames).Make();
+}
 
-std::string CompareWithLiteral(const AlignerCase& aligner_case) {
+std::string CompareWithLiteral(const AlignerCase& aligner_case, AlignerTally* tally) {
   ViterbiAligner aligner;
   LiteralAligner literal;
   int number = 0;
@@ -269,6 +283,7 @@ std::string CompareWithLiteral(const AlignerCase& aligner_case) {
     const int answer = aligner.AlignScores(*aligner_case.set, result);
     const LiteralResult expected = literal.Align(*aligner_case.set, round.scores, round.num_frames);
     const std::string difference = Difference(answer, WithoutPassedOver(capture), result, expected);
+    if (tally) Count(expected, *tally);
     if (!difference.empty()) return "round " + std::to_string(number) + ": " + difference;
     ++number;
   }

@@ -52,10 +52,20 @@ struct AlignerCase {
 // and then more than a node has room for), words of one text that are spoken differently, empty
 // sentences, too few frames, exact ties, zeros and vanishing scores, sentences added after an
 // alignment.
-AlignerCase MakeAlignerCase(const Chooser& choose);
+AlignerCase MakeAlignerCase(const Chooser& choose, int most_frames = 45);
+
+// What came out of the alignments that were compared.
+struct AlignerTally {
+  int matched = 0;
+  int matched_by_fallback = 0;
+  int no_winner = 0;
+  int no_sentence = 0;
+  int tied_paths = 0;  // nodes in which tokens of one score met
+  int too_many_nodes = 0;
+};
 
 // Plays a case to the engine's aligner and to the literal one. Empty when they agree to the last
 // bit in everything, messages included; else what differs first.
-std::string CompareWithLiteral(const AlignerCase& aligner_case);
+std::string CompareWithLiteral(const AlignerCase& aligner_case, AlignerTally* tally = nullptr);
 
 }  // namespace veral3::test

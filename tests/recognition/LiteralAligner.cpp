@@ -214,7 +214,9 @@ void LiteralAligner::PassTokens(const CPhonemeSet& set, std::span<const double> 
       if (token->score > best->score) best = token;
     }
     for (Token* token : node->tokens) {
-      if (token != best) Recycle(token);
+      if (token == best) continue;
+      m_ties += token->score == best->score ? 1 : 0;
+      Recycle(token);
     }
     node->tokens.assign(1, best);
     m_active.push_front(best);
@@ -225,6 +227,7 @@ LiteralResult LiteralAligner::Align(const CPhonemeSet& set, std::span<const doub
                                     int num_frames) {
   LiteralResult result;
   m_messages.clear();
+  m_ties = 0;
   if (!m_initialised) BuildNetwork();
 
   const std::size_t columns = static_cast<std::size_t>(set.GetSize()) * 3;
@@ -260,12 +263,14 @@ LiteralResult LiteralAligner::Align(const CPhonemeSet& set, std::span<const doub
     } else {
       Fill(set, *winner, matched, scores, num_frames, result);
       result.answer = matched;
+      result.by_fallback = m_sentences.size() > 1 && winner->sentence < 0;
     }
   }
   for (const auto& node : m_nodes) node->tokens.clear();
   m_tokens.clear();
   m_free.clear();
   result.messages = m_messages;
+  result.ties = m_ties;
   return result;
 }
 

@@ -26,6 +26,8 @@ struct LiteralResult {
   };
 
   int answer = -1;
+  bool by_fallback = false;  // the winner entered no sentence's own node
+  int ties = 0;              // how often tokens of one score met in a node
   std::string messages;
   double log_probability = 0.0;
   std::vector<Step> history;
@@ -75,6 +77,7 @@ class LiteralAligner {
   std::vector<std::unique_ptr<Token>> m_tokens;
   std::vector<Token*> m_free;
   std::string m_messages;
+  int m_ties = 0;
 };
 
 }  // namespace veral3::test
