@@ -2,18 +2,6 @@
 
 #include <cstdint>
 
-<<<<<<< HEAD
-// The model that a file holds, for AnalyzedAudio::LoadModelFile. 5, 6 and 7 are not used.
-enum ModelFileType : std::int32_t {
-  kFrameModelEnglish = 0,  // phoneme states of a frame: the aligner's scores
-  kFrameModelChinese = 1,
-  kFrameModelJapanese = 2,
-  kToneModelChinese = 3,     // tone of a Chinese syllable
-  kUttGoodnessModel = 4,     // whether a recording is a reading of its sentence at all
-  kPhonemeModelEnglish = 8,  // which phoneme a segment sounds like
-  kPhonemeModelChinese = 9,
-  kPhonemeModelJapanese = 10,
-=======
 // Which model a file holds. LoadModelFile hands any other value back unchanged and loads nothing.
 enum ModelFileType : std::int32_t {
   kFrameModelEnglish = 0,      // 195 inputs, 111 phoneme states
@@ -24,5 +12,4 @@ enum ModelFileType : std::int32_t {
   kPhonemeModelEnglish = 8,    // 624 inputs, 37 phonemes
   kPhonemeModelChinese = 9,    // 624 inputs, 33 phonemes
   kPhonemeModelJapanese = 10,  // 624 inputs, 26 phonemes
->>>>>>> keras
 };
