@@ -57,13 +57,19 @@ bool IsUsable(std::uint32_t num_samples, const std::int16_t* samples, const char
   return true;
 }
 
-// Aligns with `aligner` and puts the outcome, whole or as far as it came, into `state`.
-int AlignWith(const veral3::ViterbiAligner& aligner, AnalysisState& state,
-              std::uint32_t num_samples, const std::int16_t* samples) {
+// Aligns with `aligner` and puts the outcome into `state`. Of a failed alignment only the best
+// path's probability is kept: half a sentence must not be taken for one.
+int AlignWith(const ViterbiAligner& aligner, AnalysisState& state, std::uint32_t num_samples,
+              const std::int16_t* samples) {
   const veral3::ModelsInUse models_in_use;
   auto result = std::make_shared<AlignmentResult>();
   state.num_samples = static_cast<int>(num_samples);
   const int matched = aligner.Align(state.phoneme_set, num_samples, samples, *result);
+  if (matched < 0) {
+    const double log_probability = result->log_probability;
+    *result = {};
+    result->log_probability = log_probability;
+  }
   state.result = std::move(result);
   return matched;
 }

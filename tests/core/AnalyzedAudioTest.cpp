@@ -26,7 +26,7 @@ int Align(AnalyzedAudio& audio, Samples& samples) {
 
 class AnalyzedAudioTest : public testing::Test {
  protected:
-  AnalyzedAudioTest() { test::LoadSmallEngine(); }
+  static void SetUpTestSuite() { test::LoadSmallEngine(); }
   test::MessageCapture m_messages;
 };
 
@@ -87,7 +87,7 @@ TEST_F(AnalyzedAudioTest, DictionaryErrorsComeShifted) {
   EXPECT_EQ(audio.AddPossibleSentence(L"| I"), -101);
   EXPECT_EQ(audio.AddPossibleSentence(L"|1 bad|"), -200);
   EXPECT_EQ(audio.AddPossibleSentence(L"|2 I|"), -300);
-  EXPECT_EQ(audio.AddPossibleSentence(L"|3 NOSUCHWORD|"), -400);
+  EXPECT_EQ(audio.AddPossibleSentence(L"|3 NOSUCHWORD |"), -400);
   std::wstring long_sentence;
   for (int i = 0; i < 257; ++i) long_sentence += L"I ";
   EXPECT_EQ(audio.AddPossibleSentence(long_sentence), -500);
