@@ -39,8 +39,8 @@ AlignmentReport Align(const AlignJob& job, LanguageType language, std::string& m
       return Failed(job, "sentence \"" + sentence + "\" cannot be used: " + engine.OneLine());
     }
   }
-  const int matched = audio.Align(static_cast<std::uint32_t>(recording->samples.size()),
-                                  recording->samples.data());
+  const int matched =
+      audio.Align(static_cast<std::uint32_t>(recording->samples.size()), recording->samples.data());
   if (matched < 0 || static_cast<std::size_t>(matched) >= job.sentences.size()) {
     return Failed(job, "cannot be aligned: " + engine.OneLine() + " (" +
                            Fixed(Seconds(static_cast<int>(recording->samples.size())), 3) +

@@ -25,8 +25,8 @@ struct AlignOutcome {
 // wrong is the report's error.
 AlignOutcome RunAlignJob(const AlignJob& job, LanguageType language);
 
-// Runs all jobs, up to `threads` at a time, and hands over each outcome in the order of the jobs, on
-// the calling thread. Outcomes are the same for any number of threads.
+// Runs all jobs, up to `threads` at a time, and hands over each outcome in the order of the jobs,
+// on the calling thread. Outcomes are the same for any number of threads.
 void RunAlignJobs(const std::vector<AlignJob>& jobs, LanguageType language, int threads,
                   const std::function<void(const AlignOutcome&)>& take);
 

@@ -56,8 +56,7 @@ AlignmentReport MakeReport(std::string file, std::string sentence, AnalyzedAudio
   std::vector<int> syllable_starts;
   for (int i = 0; i < num_syllables; ++i) {
     const int first = audio.GetSyllableStartPosition(i);
-    const int last =
-        i + 1 < num_syllables ? audio.GetSyllableStartPosition(i + 1) : num_phonemes;
+    const int last = i + 1 < num_syllables ? audio.GetSyllableStartPosition(i + 1) : num_phonemes;
     Segment syllable = Join(report.phonemes, first, last, report.num_samples);
     syllable.parts = std::max(last - first, 0);
     report.syllables.push_back(std::move(syllable));

@@ -50,9 +50,8 @@ class SampleWriter {
 
   void Write(std::span<const double> values) {
     if (!m_soxr) return Store(values);
-    m_converted.resize(static_cast<std::size_t>(std::ceil(
-                           static_cast<double>(values.size()) * m_ratio)) +
-                       1024);
+    m_converted.resize(
+        static_cast<std::size_t>(std::ceil(static_cast<double>(values.size()) * m_ratio)) + 1024);
     while (!values.empty() && m_error.empty()) {
       std::size_t used = 0;
       std::size_t made = 0;
@@ -178,9 +177,9 @@ Result<Recording> ReadAudioFile(const std::filesystem::path& path) {
     if (!writer.Error().empty()) return Failure::Failure("cannot be resampled: " + writer.Error());
   }
   if (sf_error(file.get()) != SF_ERR_NO_ERROR) {
-    return Failure::Failure(
-        "is damaged after " + Fixed(static_cast<double>(frames) / info.samplerate, 3) +
-        " s: " + sf_strerror(file.get()));
+    return Failure::Failure("is damaged after " +
+                            Fixed(static_cast<double>(frames) / info.samplerate, 3) +
+                            " s: " + sf_strerror(file.get()));
   }
   writer.Finish();
   if (!writer.Error().empty()) return Failure::Failure("cannot be resampled: " + writer.Error());
@@ -189,8 +188,8 @@ Result<Recording> ReadAudioFile(const std::filesystem::path& path) {
   if (count == 0) return Failure::Failure("holds no samples");
   if (count < static_cast<std::size_t>(kFrameLength)) {
     return Failure::Failure("is too short: " + std::to_string(count) +
-                            " samples at 22050 Hz, one frame needs " + std::to_string(kFrameLength) +
-                            " (25 ms)");
+                            " samples at 22050 Hz, one frame needs " +
+                            std::to_string(kFrameLength) + " (25 ms)");
   }
   recording.silent = std::ranges::all_of(recording.samples, [](std::int16_t s) { return s == 0; });
   return recording;

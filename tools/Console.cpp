@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <sstream>
 #include <string>
 
 #include "common/Unicode.h"
@@ -23,7 +24,9 @@ void Console::Error(std::string_view text) {
   ClearProgress();
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
-    WriteError("veral3: " + std::string(text.substr(0, end)) + "\n");
+    WriteError("veral3: ");
+    WriteError(text.substr(0, end));
+    WriteError("\n");
     if (end == std::string_view::npos) break;
     text.remove_prefix(end + 1);
   }
@@ -34,8 +37,10 @@ void Console::Progress(std::size_t done, std::size_t total, std::string_view fil
   if (!m_is_terminal || total < kProgressFrom) return;
   ClearProgress();
   std::wstring name = WideFromUtf8(file);
-  if (name.size() > kProgressWidth) name = L"..." + name.substr(name.size() - kProgressWidth + 3);
-  WriteError("[" + std::to_string(done) + "/" + std::to_string(total) + "] " + Utf8FromWide(name));
+  if (name.size() > kProgressWidth) name.replace(0, name.size() - kProgressWidth + 3, L"...");
+  std::ostringstream line;
+  line << "[" << done << "/" << total << "] " << Utf8FromWide(name);
+  WriteError(line.view());
   std::fflush(stderr);
   m_has_progress = true;
 }

@@ -7,9 +7,8 @@ namespace veral3::tools {
 
 std::string Fixed(double value, int decimals) {
   std::array<char, 400> buffer;  // the largest double has 309 digits before the point
-  const auto end =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed,
-                    decimals);
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                 std::chars_format::fixed, decimals);
   std::string text(buffer.data(), end.ptr);
   if (text.starts_with('-') && text.find_first_not_of("-0.") == std::string::npos) text.erase(0, 1);
   return text;

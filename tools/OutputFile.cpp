@@ -26,8 +26,11 @@ OutputFile::OutputFile(std::filesystem::path path) : m_path(std::move(path)) {
   }
   std::string name = m_path.string() + ".XXXXXX";
   m_file = mkostemp(name.data(), O_CLOEXEC);
-  if (m_file < 0) return Fail("cannot be written");
-  m_temporary = name;
+  if (m_file < 0) {
+    Fail("cannot be written");
+  } else {
+    m_temporary = name;
+  }
 }
 
 OutputFile::~OutputFile() {

@@ -15,7 +15,7 @@ namespace veral3::tools {
 // Where the reports of a run go, and in which form.
 struct ReportTarget {
   Format format = Format::kTable;
-  std::optional<Tier> tier;      // where the format takes one; words, and all of them in CSV, without
+  std::optional<Tier> tier;  // where the format takes one; words, and all of them in CSV, without
   std::filesystem::path output;  // empty: standard output
   bool is_folder = false;        // `output` takes a file for each recording
 };

@@ -14,10 +14,10 @@ struct SentencePlan {
   std::string messages;  // lines: what makes sentences unusable, or what will not be aligned
 };
 
-// Prepares the sentences of all jobs (AlignJob::prepared) and looks them up in the dictionary, which
-// is loaded. A sentence is unusable when it is empty, has nothing that can be aligned, an inline
-// pronunciation that does not parse, more words than the engine takes, or, unless `skip_unknown`,
-// words or numbers that the engine would pass over.
+// Prepares the sentences of all jobs (AlignJob::prepared) and looks them up in the dictionary,
+// which is loaded. A sentence is unusable when it is empty, has nothing that can be aligned, an
+// inline pronunciation that does not parse, more words than the engine takes, or, unless
+// `skip_unknown`, words or numbers that the engine would pass over.
 SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, bool skip_unknown);
 
 }  // namespace veral3::tools

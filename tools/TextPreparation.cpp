@@ -37,14 +37,13 @@ bool IsInvisible(wchar_t c) {
 std::wstring Normalized(std::wstring_view text, int options) {
   const std::string utf8 = Utf8FromWide(text);
   utf8proc_uint8_t* mapped = nullptr;
-  const utf8proc_ssize_t length =
-      utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(utf8.data()),
-                   static_cast<utf8proc_ssize_t>(utf8.size()), &mapped,
-                   static_cast<utf8proc_option_t>(options));
+  const utf8proc_ssize_t length = utf8proc_map(
+      reinterpret_cast<const utf8proc_uint8_t*>(utf8.data()),
+      static_cast<utf8proc_ssize_t>(utf8.size()), &mapped, static_cast<utf8proc_option_t>(options));
   const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
   if (length < 0) return std::wstring(text);
-  return WideFromUtf8(std::string_view(reinterpret_cast<const char*>(mapped),
-                                       static_cast<std::size_t>(length)));
+  return WideFromUtf8(
+      std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length)));
 }
 
 // Fullwidth and halfwidth forms as the usual ones. A run goes through at once: a halfwidth kana and
