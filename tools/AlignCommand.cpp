@@ -8,6 +8,7 @@
 #include "tools/AlignJobs.h"
 #include "tools/AudioFile.h"
 #include "tools/Console.h"
+#include "tools/Languages.h"
 #include "tools/ReportWriter.h"
 #include "tools/Resources.h"
 #include "tools/SentencePlan.h"
@@ -22,10 +23,6 @@ constexpr const char* kExamples = R"(Examples:
   veral3 align --lang en --list sentences.tsv --format textgrid --output grids/
 
 Exit status: 0 all done, 1 some recording failed, 2 wrong usage (nothing is read then).)";
-
-LanguageType LanguageOf(const std::string& code) {
-  return code == "zh" ? kLanguageChinese : code == "ja" ? kLanguageJapanese : kLanguageEnglish;
-}
 
 // The jobs that the options ask for, without prepared sentences.
 Result<std::vector<AlignJob>> JobsOf(const AlignOptions& options) {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "common/Unicode.h"
+#include "tools/Languages.h"
 #include "tools/Numbers.h"
 
 namespace veral3::tools {
@@ -209,7 +210,7 @@ std::string Table(const AlignmentReport& report) {
     if (start > reached) text += TableRow(reached, start, 0, indent, "(pause)");
   };
   for (const Segment& word : report.words) {
-    if (word.end > word.start) pause(word.start);
+    pause(word.start);
     text += TableRow(word.start, word.end, 0, indent, word.text);
     for (int s = 0; s < word.parts && syllable < report.syllables.size(); ++s, ++syllable) {
       const Segment& part = report.syllables[syllable];

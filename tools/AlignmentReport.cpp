@@ -76,28 +76,4 @@ AlignmentReport MakeReport(std::string file, std::string sentence, AnalyzedAudio
   return report;
 }
 
-std::string_view LanguageCode(LanguageType language) {
-  switch (language) {
-    case kLanguageEnglish:
-      return "en";
-    case kLanguageChinese:
-      return "zh";
-    case kLanguageJapanese:
-      return "ja";
-  }
-  return "";
-}
-
-std::string_view LanguageName(LanguageType language) {
-  switch (language) {
-    case kLanguageEnglish:
-      return "English";
-    case kLanguageChinese:
-      return "Chinese";
-    case kLanguageJapanese:
-      return "Japanese";
-  }
-  return "";
-}
-
 }  // namespace veral3::tools

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "common/LanguageType.h"
@@ -39,9 +38,5 @@ struct AlignmentReport {
 
 // Reads an aligned recording. `sentence` is the text as the user gave it.
 AlignmentReport MakeReport(std::string file, std::string sentence, AnalyzedAudio& audio);
-
-// "en", "zh" or "ja"; "English", "Chinese" or "Japanese".
-std::string_view LanguageCode(LanguageType language);
-std::string_view LanguageName(LanguageType language);
 
 }  // namespace veral3::tools

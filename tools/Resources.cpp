@@ -5,8 +5,8 @@
 
 #include "core/AnalyzedAudio.h"
 #include "recognition/Dictionaries.h"
-#include "tools/AlignmentReport.h"
 #include "tools/EngineMessages.h"
+#include "tools/Languages.h"
 
 namespace veral3::tools {
 namespace {
