@@ -1,4 +1,4 @@
-// Speaks English sentences with espeak-ng and writes them with their phoneme times.
+// Speaks English sentences with espeak-ng, flite or festival and writes them with phoneme times.
 //
 //   make-corpus --words resources/KEN-UTF8Order.txt --count 1000 --seed 1 --out work/a.corpus
 //
@@ -10,7 +10,10 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "signal/CWaveFrameDef.h"
 #include "training/common/Random.h"
@@ -18,7 +21,10 @@
 #include "training/corpus/EnglishTexts.h"
 #include "training/corpus/EnglishVoices.h"
 #include "training/corpus/PhonemeBalance.h"
+#include "training/speech/ArpabetEvents.h"
 #include "training/speech/EspeakSpeech.h"
+#include "training/speech/FestivalSpeech.h"
+#include "training/speech/FliteSpeech.h"
 
 namespace veral3::training {
 namespace {
@@ -28,6 +34,8 @@ struct Options {
   std::string out;
   int count = 0;
   std::uint64_t seed = 1;
+  std::string flite;     // voice; empty for espeak-ng
+  std::string festival;  // voice; empty for espeak-ng
   bool held_out = false;
 };
 
@@ -43,48 +51,90 @@ std::optional<std::string> ExpectedPhonemes(EspeakSpeech& espeak, const EventTab
   return phonemes;
 }
 
+// Draws texts that the voice can say, the best balanced of a few each time.
+class TextChooser {
+ public:
+  TextChooser(const Options& options)
+      : m_texts(options.words.empty() ? std::vector<std::string>{}
+                                      : ReadDictionaryWords(options.words)),
+        m_balance(EnglishPhonemeFrequencies()),
+        m_held_out(options.held_out) {}
+
+  std::string Choose(EspeakSpeech& espeak, const EventTable& table, Random& random) {
+    if (m_held_out) return m_texts.DrawHeldOut(random);
+    constexpr std::size_t kCandidates = 5;
+    std::array<std::string, kCandidates> candidates;
+    std::array<std::string, kCandidates> phonemes;
+    for (std::size_t i = 0; i < kCandidates; ++i) {
+      std::optional<std::string> expected;
+      while (!expected) {
+        candidates[i] = m_texts.Draw(random);
+        expected = ExpectedPhonemes(espeak, table, candidates[i]);
+      }
+      phonemes[i] = *std::move(expected);
+    }
+    const std::size_t chosen = m_balance.Choose(phonemes);
+    m_balance.Count(phonemes[chosen]);
+    return candidates[chosen];
+  }
+
+ private:
+  EnglishTexts m_texts;
+  PhonemeBalance m_balance;
+  bool m_held_out;
+};
+
+Utterance Labelled(std::string text, std::string voice, SpokenText spoken,
+                   const EventTable& table) {
+  Utterance utterance{std::move(text), std::move(voice), {}, {}};
+  try {
+    utterance.labels =
+        LabelsFromEvents(spoken.events, table, static_cast<std::int32_t>(spoken.samples.size()));
+  } catch (const std::exception& error) {
+    throw std::runtime_error(std::string(error.what()) + " in \"" + utterance.text + "\"");
+  }
+  utterance.samples = std::move(spoken.samples);
+  return utterance;
+}
+
 void Run(const Options& options) {
-  constexpr int kCandidates = 5;  // texts to choose from for every utterance
-  const EnglishTexts texts(options.words.empty() ? std::vector<std::string>{}
-                                                 : ReadDictionaryWords(options.words));
-  PhonemeBalance balance(EnglishPhonemeFrequencies());
-  EspeakSpeech espeak;
+  TextChooser texts(options);
+  EspeakSpeech espeak;  // also tells how texts sound that others speak
   CorpusWriter writer(options.out);
   double seconds = 0.0;
+  const auto write = [&](const Utterance& utterance) {
+    seconds += static_cast<double>(utterance.samples.size()) / kSampleRate;
+    writer.Write(utterance);
+  };
+  std::optional<FliteSpeech> flite;
+  if (!options.flite.empty()) flite.emplace(options.flite);
+  std::vector<FestivalText> for_festival;
   for (int number = 0; number < options.count; ++number) {
     Random random(MixSeed(options.seed, static_cast<std::uint64_t>(number)));
     const EnglishVoice drawn = DrawEnglishVoice(random, options.held_out);
     espeak.SetVoice(drawn.voice);
     const EventTable& table = EnglishEventTable(drawn.accent);
-    Utterance utterance;
-    if (options.held_out) {
-      utterance.text = texts.DrawHeldOut(random);
+    std::string text = texts.Choose(espeak, table, random);
+    if (flite) {
+      SpokenText spoken = flite->Speak(text, random.Uniform(0.8, 1.35), 0.0);
+      write(Labelled(std::move(text), "flite:" + options.flite, std::move(spoken),
+                     ArpabetEventTable()));
+    } else if (!options.festival.empty()) {
+      for_festival.push_back({std::move(text), random.Uniform(0.8, 1.35)});
     } else {
-      std::array<std::string, kCandidates> candidates;
-      std::array<std::string, kCandidates> phonemes;
-      for (std::size_t i = 0; i < kCandidates; ++i) {
-        std::optional<std::string> expected;
-        while (!expected) {
-          candidates[i] = texts.Draw(random);
-          expected = ExpectedPhonemes(espeak, table, candidates[i]);
-        }
-        phonemes[i] = *std::move(expected);
-      }
-      utterance.text = candidates[balance.Choose(phonemes)];
+      SpokenText spoken = espeak.Speak(text);
+      Utterance utterance =
+          Labelled(std::move(text), "espeak:" + drawn.voice.name, std::move(spoken), table);
+      TakeClosures(utterance.labels, utterance.samples, kEnglishStops);
+      write(utterance);
     }
-    utterance.voice = "espeak:" + drawn.voice.name;
-    SpokenText spoken = espeak.Speak(utterance.text);
-    try {
-      utterance.labels =
-          LabelsFromEvents(spoken.events, table, static_cast<std::int32_t>(spoken.samples.size()));
-    } catch (const std::exception& error) {
-      throw std::runtime_error(std::string(error.what()) + " in \"" + utterance.text + "\"");
+  }
+  if (!for_festival.empty()) {
+    auto spoken = SpeakWithFestival(options.festival, for_festival, options.out + ".festival");
+    for (std::size_t i = 0; i < spoken.size(); ++i) {
+      write(Labelled(for_festival[i].text, "festival:" + options.festival, std::move(spoken[i]),
+                     ArpabetEventTable()));
     }
-    TakeClosures(utterance.labels, spoken.samples, kEnglishStops);
-    utterance.samples = std::move(spoken.samples);
-    balance.Count(PhonemesOf(utterance));
-    seconds += static_cast<double>(utterance.samples.size()) / kSampleRate;
-    writer.Write(utterance);
   }
   writer.Close();
   std::printf("%s: %d utterances, %.2f h\n", options.out.c_str(), options.count, seconds / 3600);
@@ -100,6 +150,8 @@ int main(int argc, char** argv) {
   app.add_option("--out", options.out, "corpus to write")->required();
   app.add_option("--count", options.count, "utterances")->required();
   app.add_option("--seed", options.seed, "a different one, a different corpus");
+  app.add_option("--flite", options.flite, "speak with this flite voice");
+  app.add_option("--festival", options.festival, "speak with this festival voice");
   app.add_flag("--held-out", options.held_out, "voices and sentences that training never has");
   CLI11_PARSE(app, argc, argv);
   try {

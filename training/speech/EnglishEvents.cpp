@@ -9,6 +9,7 @@ std::vector<EventReading> Readings(EnglishAccent accent) {
       {"_", "-"},
       {"_!", "-"},
       {"|", ""},
+      {"_|", ""},
       {"_:", "-"},
       {";", ""},
       // Consonants.

@@ -1,0 +1,169 @@
+#include "training/augment/Augment.h"
+
+#include <soxr.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <stdexcept>
+
+#include "signal/CWaveFrameDef.h"
+
+namespace veral3::training {
+namespace {
+
+double RootMeanSquare(std::span<const float> signal) {
+  double sum = 0.0;
+  for (const float x : signal) sum += double{x} * double{x};
+  return signal.empty() ? 0.0 : std::sqrt(sum / static_cast<double>(signal.size()));
+}
+
+double Mel(double hz) { return 1127.0 * std::log1p(hz / 700.0); }
+
+std::size_t SamplesOf(double seconds) {
+  return static_cast<std::size_t>(std::lround(seconds * kSampleRate));
+}
+
+}  // namespace
+
+std::vector<float> Resample(std::span<const float> signal, double factor) {
+  std::vector<float> out(
+      static_cast<std::size_t>(std::lround(static_cast<double>(signal.size()) * factor)));
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_MQ, 0);
+  const soxr_runtime_spec_t one_thread = soxr_runtime_spec(1);
+  std::size_t done = 0;
+  const soxr_error_t error =
+      soxr_oneshot(1.0, factor, 1, signal.data(), signal.size(), nullptr, out.data(), out.size(),
+                   &done, nullptr, &quality, &one_thread);
+  if (error != nullptr) throw std::runtime_error("cannot resample: " + std::string(error));
+  return out;
+}
+
+void AddReverb(std::vector<float>& signal, Random& random) {
+  constexpr int kEchoes = 24;
+  const double decay = random.Uniform(0.03, 0.12);  // seconds to fall to 1/e
+  const double level = random.Uniform(0.05, 0.2);
+  const std::vector<float> direct = signal;
+  for (int echo = 0; echo < kEchoes; ++echo) {
+    const double delay = random.Uniform(0.003, 3.0 * decay);
+    const auto gain = static_cast<float>(level * std::exp(-delay / decay) * random.Uniform(-1, 1));
+    const std::size_t offset = SamplesOf(delay);
+    for (std::size_t i = offset; i < signal.size(); ++i) signal[i] += gain * direct[i - offset];
+  }
+}
+
+void Equalise(std::vector<float>& signal, std::span<const double> gains_db, double cutoff_hz) {
+  constexpr std::size_t kHalf = 63;
+  constexpr std::size_t kBins = 256;  // of the wanted response, 0 to half the sampling rate
+  const double mel_low = Mel(60.0);
+  const double mel_step = (Mel(11000.0) - mel_low) / static_cast<double>(gains_db.size() - 1);
+  std::array<double, kBins + 1> response{};
+  for (std::size_t bin = 0; bin <= kBins; ++bin) {
+    const double hz = static_cast<double>(bin) * kSampleRate / (2.0 * kBins);
+    if (hz > cutoff_hz) continue;
+    const double place =
+        std::clamp((Mel(hz) - mel_low) / mel_step, 0.0, static_cast<double>(gains_db.size() - 1));
+    const auto left = std::min(static_cast<std::size_t>(place), gains_db.size() - 2);
+    const double part = place - static_cast<double>(left);
+    const double db = gains_db[left] * (1.0 - part) + gains_db[left + 1] * part;
+    response[bin] = std::pow(10.0, db / 20.0);
+  }
+  // Window method: inverse transform of the response, Hann window.
+  std::array<float, 2 * kHalf + 1> taps{};
+  for (std::size_t n = 0; n <= kHalf; ++n) {
+    double sum = 0.5 * (response[0] + (n % 2 == 0 ? response[kBins] : -response[kBins]));
+    const double angle = std::numbers::pi * static_cast<double>(n) / kBins;
+    for (std::size_t bin = 1; bin < kBins; ++bin) {
+      sum += response[bin] * std::cos(angle * static_cast<double>(bin));
+    }
+    const double window =
+        0.5 + 0.5 * std::cos(std::numbers::pi * static_cast<double>(n) / (kHalf + 1));
+    taps[kHalf + n] = taps[kHalf - n] = static_cast<float>(sum / kBins * window);
+  }
+  std::vector<float> padded(signal.size() + 2 * kHalf, 0.0f);
+  std::ranges::copy(signal, padded.begin() + kHalf);
+  std::ranges::fill(signal, 0.0f);
+  for (std::size_t t = 0; t < taps.size(); ++t) {
+    for (std::size_t i = 0; i < signal.size(); ++i) signal[i] += taps[t] * padded[i + t];
+  }
+}
+
+void AddNoise(std::vector<float>& signal, double colour, double rms, Random& random) {
+  // A first-order low pass: from none at all to a corner at about 20 Hz.
+  const double pole = colour <= 0.0 ? 0.0 : 1.0 - std::pow(10.0, -2.2 * colour);
+  std::vector<float> noise(signal.size());
+  double state = 0.0;
+  for (float& x : noise) {
+    // The sum of four uniform values is near enough to a normal one, and quick.
+    const double white =
+        random.Uniform() + random.Uniform() + random.Uniform() + random.Uniform() - 2.0;
+    state = pole * state + white;
+    x = static_cast<float>(state);
+  }
+  const double level = RootMeanSquare(noise);
+  if (level == 0.0) return;
+  const auto gain = static_cast<float>(rms / level);
+  for (std::size_t i = 0; i < signal.size(); ++i) signal[i] += gain * noise[i];
+}
+
+Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random& random) {
+  std::vector<float> speech(clean.samples.begin(), clean.samples.end());
+  double factor = 1.0;
+  if (random.Chance(options.warp_chance)) {
+    factor = random.Uniform(options.warp_low, options.warp_high);
+    speech = Resample(speech, factor);
+  }
+  const double speech_level = RootMeanSquare(speech);
+
+  const std::size_t before = SamplesOf(random.Uniform(0.05, 0.6));
+  const std::size_t after = SamplesOf(random.Uniform(0.05, 0.6));
+  std::vector<float> signal(before + speech.size() + after, 0.0f);
+  std::ranges::copy(speech, signal.begin() + static_cast<std::ptrdiff_t>(before));
+
+  if (random.Chance(options.reverb_chance)) AddReverb(signal, random);
+
+  std::array<double, 9> gains{};
+  const double tilt = random.Normal() * options.equaliser_db;
+  for (std::size_t i = 0; i < gains.size(); ++i) {
+    gains[i] = random.Normal() * options.equaliser_db + tilt * (static_cast<double>(i) / 4.0 - 1.0);
+    gains[i] = std::clamp(gains[i], -15.0, 15.0);
+  }
+  double cutoff = kSampleRate;
+  const double kind = random.Uniform();
+  if (kind < options.low_pass_chance) {
+    cutoff = random.Uniform(7000.0, 8000.0);
+  } else if (kind < options.low_pass_chance + options.telephone_chance) {
+    cutoff = random.Uniform(3800.0, 7000.0);
+  }
+  Equalise(signal, gains, cutoff);
+
+  if (random.Chance(options.noise_chance)) {
+    const double ratio_db = random.Uniform(8.0, 45.0);
+    AddNoise(signal, random.Uniform(), speech_level * std::pow(10.0, -ratio_db / 20.0), random);
+  }
+
+  float peak = 1.0f;
+  for (const float x : signal) peak = std::max(peak, std::abs(x));
+  const double gain = 32000.0 * std::pow(10.0, -random.Uniform(0.0, 32.0) / 20.0) / double{peak};
+  Utterance result{clean.text, clean.voice, clean.labels, {}};
+  result.samples.reserve(signal.size());
+  for (const float x : signal) {
+    result.samples.push_back(static_cast<std::int16_t>(std::lround(double{x} * gain)));
+  }
+  for (PhonemeLabel& label : result.labels) {
+    if (label.start > 0) {
+      label.start = static_cast<std::int32_t>(std::lround(label.start * factor)) +
+                    static_cast<std::int32_t>(before);
+    }
+  }
+  if (!result.labels.empty() && result.labels.front().start > 0) {
+    result.labels.insert(result.labels.begin(), {'-', 0});
+  }
+  if (!result.labels.empty() && result.labels.back().symbol != '-') {
+    result.labels.push_back({'-', static_cast<std::int32_t>(before + speech.size())});
+  }
+  return result;
+}
+
+}  // namespace veral3::training

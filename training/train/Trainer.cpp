@@ -1,0 +1,201 @@
+#include "training/train/Trainer.h"
+
+#include <torch/torch.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+#include <numeric>
+#include <stdexcept>
+
+namespace veral3::training {
+namespace {
+
+using torch::Tensor;
+
+struct Layers {
+  std::vector<torch::nn::Linear> linear;
+
+  std::vector<Tensor> Parameters() const {
+    std::vector<Tensor> all;
+    for (const auto& layer : linear) {
+      for (const Tensor& parameter : layer->parameters()) all.push_back(parameter);
+    }
+    return all;
+  }
+
+  // Scores before the softmax. `magnitude`, where given, gains the mean of the hidden activations.
+  Tensor Forward(Tensor x, double dropout, Tensor* magnitude) {
+    for (std::size_t i = 0; i < linear.size(); ++i) {
+      x = linear[i]->forward(x);
+      if (i + 1 == linear.size()) break;
+      x = torch::relu(x);
+      if (magnitude != nullptr) *magnitude = *magnitude + x.mean();
+      if (dropout > 0.0) x = torch::dropout(x, dropout, /*train=*/true);
+    }
+    return x;
+  }
+};
+
+Layers LayersOf(const Network& network) {
+  Layers layers;
+  for (const DenseLayer& layer : network.layers) {
+    torch::nn::Linear linear(layer.inputs, layer.outputs);
+    const torch::NoGradGuard no_grad;
+    auto weights =
+        torch::from_blob(const_cast<float*>(layer.weights.data()), {layer.inputs, layer.outputs});
+    linear->weight.copy_(weights.t());
+    linear->bias.copy_(torch::from_blob(const_cast<float*>(layer.bias.data()), {layer.outputs}));
+    layers.linear.push_back(linear);
+  }
+  return layers;
+}
+
+void StoreInto(Network& network, const Layers& layers) {
+  for (std::size_t i = 0; i < network.layers.size(); ++i) {
+    const Tensor weights = layers.linear[i]->weight.detach().t().contiguous();
+    const Tensor bias = layers.linear[i]->bias.detach().contiguous();
+    network.layers[i].weights.assign(weights.data_ptr<float>(),
+                                     weights.data_ptr<float>() + weights.numel());
+    network.layers[i].bias.assign(bias.data_ptr<float>(), bias.data_ptr<float>() + bias.numel());
+  }
+}
+
+// A network of random weights (He, Zhang, Ren and Sun 2015) whose scaling fits the source.
+Network FreshNetwork(const TrainOptions& options, const ExampleSource& source, Random& random) {
+  constexpr std::size_t kMost = 200000;  // examples to measure
+  Network network;
+  const auto inputs = static_cast<std::size_t>(source.NumInputs());
+  std::vector<std::uint32_t> chosen(std::min(kMost, source.NumExamples()));
+  for (auto& example : chosen) {
+    example = static_cast<std::uint32_t>(random.Below(source.NumExamples()));
+  }
+  std::vector<float> rows(chosen.size() * inputs);
+  std::vector<std::int64_t> classes(chosen.size());
+  source.Fill(chosen, rows, classes);
+  std::vector<double> sum(inputs, 0.0);
+  std::vector<double> squares(inputs, 0.0);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    sum[i % inputs] += double{rows[i]};
+    squares[i % inputs] += double{rows[i]} * double{rows[i]};
+  }
+  const auto count = static_cast<double>(chosen.size());
+  for (std::size_t i = 0; i < inputs; ++i) {
+    const double mean = sum[i] / count;
+    const double variance = std::max(squares[i] / count - mean * mean, 1e-8);
+    network.input_mean.push_back(static_cast<float>(mean));
+    network.input_deviation.push_back(static_cast<float>(std::sqrt(variance)));
+  }
+  std::vector<int> sizes = options.hidden;
+  sizes.insert(sizes.begin(), source.NumInputs());
+  sizes.push_back(source.NumClasses());
+  for (std::size_t i = 0; i + 1 < sizes.size(); ++i) {
+    DenseLayer layer{sizes[i], sizes[i + 1], {}, {}};
+    const double deviation = std::sqrt(2.0 / sizes[i]);
+    for (int k = 0; k < sizes[i] * sizes[i + 1]; ++k) {
+      layer.weights.push_back(static_cast<float>(random.Normal() * deviation));
+    }
+    layer.bias.assign(static_cast<std::size_t>(sizes[i + 1]), 0.0f);
+    network.layers.push_back(std::move(layer));
+  }
+  return network;
+}
+
+double RateAt(double progress, double highest) {
+  constexpr double kRise = 0.2;
+  if (progress < kRise) return highest * (0.1 + 0.9 * progress / kRise);
+  const double fall = (progress - kRise) / (1.0 - kRise);
+  return highest * (0.001 + 0.999 * 0.5 * (1.0 + std::cos(std::numbers::pi * fall)));
+}
+
+void Scale(const Network& network, std::span<float> rows) {
+  const std::size_t inputs = network.input_mean.size();
+  std::vector<float> factor(inputs);
+  for (std::size_t i = 0; i < inputs; ++i) factor[i] = 1.0f / network.input_deviation[i];
+  for (std::size_t row = 0; row < rows.size(); row += inputs) {
+    for (std::size_t i = 0; i < inputs; ++i) {
+      rows[row + i] = (rows[row + i] - network.input_mean[i]) * factor[i];
+    }
+  }
+}
+
+}  // namespace
+
+Network Train(const TrainOptions& options, ExampleSource& source,
+              const std::optional<Network>& start) {
+  torch::set_num_threads(options.threads);
+  torch::manual_seed(options.seed);
+  Random random(MixSeed(options.seed, 77));
+  source.BeginEpoch(random);
+  Network network = start ? *start : FreshNetwork(options, source, random);
+  if (network.NumInputs() != source.NumInputs() || network.NumOutputs() != source.NumClasses()) {
+    throw std::runtime_error("the network to start from has other inputs or classes");
+  }
+  Layers layers = LayersOf(network);
+  torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
+
+  std::vector<std::uint32_t> order(source.NumExamples());
+  std::iota(order.begin(), order.end(), 0u);
+  const auto batch = std::min(static_cast<std::size_t>(options.batch), order.size());
+  const std::size_t steps_an_epoch = order.size() / batch;
+  const auto inputs = static_cast<std::size_t>(source.NumInputs());
+  const Tensor rows = torch::empty({static_cast<std::int64_t>(batch), source.NumInputs()});
+  const Tensor classes = torch::empty({static_cast<std::int64_t>(batch)}, torch::kInt64);
+  const std::span<float> row_values(rows.data_ptr<float>(), batch * inputs);
+  const std::span<std::int64_t> class_values(classes.data_ptr<std::int64_t>(), batch);
+
+  const auto begin = std::chrono::steady_clock::now();
+  const auto seconds = [&begin] {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  };
+  const auto steps = static_cast<double>(steps_an_epoch) * options.epochs;
+  double step = 0.0;
+  for (int epoch = 0; epoch < options.epochs; ++epoch) {
+    if (epoch > 0) source.BeginEpoch(random);
+    random.Shuffle(std::span(order));
+    double loss_sum = 0.0;
+    double right = 0.0;
+    for (std::size_t k = 0; k < steps_an_epoch; ++k, step += 1.0) {
+      const double rate = RateAt(step / steps, options.rate);
+      for (auto& group : adam.param_groups()) {
+        static_cast<torch::optim::AdamOptions&>(group.options()).lr(rate);
+      }
+      source.Fill(std::span(order).subspan(k * batch, batch), row_values, class_values);
+      Scale(network, row_values);
+      Tensor magnitude = torch::zeros({});
+      const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
+      Tensor loss = torch::nn::functional::cross_entropy(
+          scores, classes,
+          torch::nn::functional::CrossEntropyFuncOptions().label_smoothing(options.smoothing));
+      loss_sum += loss.item<double>();
+      right += scores.detach().argmax(1).eq(classes).sum().item<double>();
+      if (options.sparsity > 0.0) loss = loss + options.sparsity * magnitude;
+      adam.zero_grad();
+      loss.backward();
+      adam.step();
+    }
+    const auto seen = static_cast<double>(steps_an_epoch * batch);
+    std::printf("epoch %d of %d: loss %.4f, classes right %.4f, %.0f s\n", epoch + 1,
+                options.epochs, loss_sum / static_cast<double>(steps_an_epoch), right / seen,
+                seconds());
+    std::fflush(stdout);
+  }
+  StoreInto(network, layers);
+  return network;
+}
+
+std::vector<float> Classify(const Network& network, std::span<const float> inputs) {
+  const torch::NoGradGuard no_grad;
+  const auto columns = static_cast<std::size_t>(network.NumInputs());
+  std::vector<float> scaled(inputs.begin(), inputs.end());
+  Scale(network, scaled);
+  const Tensor rows = torch::from_blob(
+      scaled.data(), {static_cast<std::int64_t>(scaled.size() / columns), network.NumInputs()});
+  const Tensor scores =
+      torch::softmax(LayersOf(network).Forward(rows, 0.0, nullptr), 1).contiguous();
+  return {scores.data_ptr<float>(), scores.data_ptr<float>() + scores.numel()};
+}
+
+}  // namespace veral3::training

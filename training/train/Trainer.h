@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "training/common/Random.h"
+#include "training/train/Network.h"
+
+// Training of fully connected classifiers. The only file that knows libtorch is Trainer.cpp.
+namespace veral3::training {
+
+// Where examples come from: rows of inputs as the engine would give them, each with a class.
+class ExampleSource {
+ public:
+  virtual ~ExampleSource() = default;
+  virtual std::size_t NumExamples() const = 0;
+  virtual int NumInputs() const = 0;
+  virtual int NumClasses() const = 0;
+  // Before each round through the examples: draw anew what is random about them.
+  virtual void BeginEpoch(Random& random) = 0;
+  // Inputs (rows) and classes of the given examples.
+  virtual void Fill(std::span<const std::uint32_t> examples, std::span<float> inputs,
+                    std::span<std::int64_t> classes) const = 0;
+};
+
+struct TrainOptions {
+  std::vector<int> hidden = {256, 256};
+  int batch = 1024;
+  int epochs = 6;
+  double rate = 2e-3;  // highest learning rate of the cycle
+  double dropout = 0.1;
+  double smoothing = 0.02;  // of the labels
+  double sparsity = 0.0;    // weight of the mean magnitude of the hidden activations in the loss
+  std::uint64_t seed = 1;
+  int threads = 2;
+};
+
+// Adam with one cycle of the learning rate over all epochs: up from a tenth in the first fifth,
+// then down to a thousandth on a cosine. Starts from `start` where given (its scaling is kept),
+// else from random weights and a scaling measured on the source. Prints a line an epoch. The same
+// arguments give the same network on the same machine.
+Network Train(const TrainOptions& options, ExampleSource& source,
+              const std::optional<Network>& start);
+
+// Class probabilities for rows of inputs, in single precision: for measuring while training.
+std::vector<float> Classify(const Network& network, std::span<const float> inputs);
+
+}  // namespace veral3::training
