@@ -4,6 +4,7 @@
 #include <fstream>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "common/MessageWriter.h"
 #include "common/Unicode.h"
@@ -31,12 +32,11 @@ std::optional<std::string> ReadWholeFile(const char* path) {
   return bytes;
 }
 
-// Without a byte-order mark; bad bytes become U+FFFD.
-std::string WellFormed(std::string bytes) {
+// Drops a byte-order mark; bad bytes become U+FFFD.
+void MakeWellFormed(std::string& bytes) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (bytes.starts_with(kByteOrderMark)) bytes.erase(0, kByteOrderMark.size());
-  if (IsAscii(bytes)) return bytes;
-  return Utf8FromWide(WideFromUtf8(bytes));
+  if (std::string_view(bytes).starts_with(kByteOrderMark)) bytes.erase(0, kByteOrderMark.size());
+  if (!IsAscii(bytes)) bytes = Utf8FromWide(WideFromUtf8(bytes));
 }
 
 int PhonemeSetOfTag(std::string_view tag) {
@@ -49,18 +49,23 @@ int PhonemeSetOfTag(std::string_view tag) {
 }  // namespace
 
 DictionaryFile ReadDictionaryFile(const char* path) {
-  const char* const shown_path = path == nullptr ? "" : path;
-  DictionaryFile file;
-  if (auto bytes = ReadWholeFile(path)) {
-    file.text = WellFormed(std::move(*bytes));
-  } else {
+  const std::string_view shown_path = path == nullptr ? "" : path;
+  auto bytes = ReadWholeFile(path);
+  if (!bytes) {
     Message(MessageStream::kError)
         << "Error: Fail to open Veral Dictionary <" << shown_path << ">\n";
   }
+  return IndexDictionary(std::move(bytes).value_or(""), shown_path);
+}
+
+DictionaryFile IndexDictionary(std::string bytes, std::string_view path) {
+  DictionaryFile file;
+  MakeWellFormed(bytes);
+  file.text = std::move(bytes);
   const std::string_view text = file.text;
   std::size_t next = 0;
 
-  const std::string_view header = text.empty() ? text : NextLine(text, next);
+  const std::string_view header = NextLine(text, next);
   std::size_t position = 0;
   NextField(header, position);
   const std::string_view version = NextField(header, position);
@@ -92,7 +97,7 @@ DictionaryFile ReadDictionaryFile(const char* path) {
   }
   file.words.shrink_to_fit();
   Message(MessageStream::kError) << "VeralDictionary: " << announced << "\twords loaded from <"
-                                 << shown_path << ">\n";
+                                 << path << ">\n";
   return file;
 }
 

@@ -35,10 +35,13 @@ struct DictionaryFile {
   }
 };
 
-// Reads the file at `path`. What is wrong with it goes to the error stream, as does a closing line
-// with the number of words that the header announces; whatever could be read is kept. Allocates in
-// proportion to the file, whatever numbers it holds.
+// Reads the file at `path`; one that cannot be read is reported and reads as an empty one.
 DictionaryFile ReadDictionaryFile(const char* path);
+
+// The same for the bytes of a file, named `path` in messages. What is wrong with them goes to the
+// error stream, as does a closing line with the number of words that the header announces; whatever
+// could be read is kept. Allocates in proportion to the bytes, whatever numbers they hold.
+DictionaryFile IndexDictionary(std::string bytes, std::string_view path);
 
 // The pronunciations of the word at `index`, in file order; those that do not parse are empty.
 std::vector<OwnedWordEntry::Variant> ParseVariants(const DictionaryFile& file, std::size_t index);

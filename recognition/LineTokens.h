@@ -15,7 +15,7 @@ inline constexpr std::size_t kMaxLineCharacters = 255;
 std::string_view FirstCharacters(std::string_view text, std::size_t count);
 
 // Next line of `text` from byte `position`, without its line feed and cut at kMaxLineCharacters;
-// `position` moves behind the line feed. Only valid while `position` is short of the text's end.
+// `position` moves behind the line feed. At the text's end every line is empty.
 std::string_view NextLine(std::string_view text, std::size_t& position);
 
 // Next run of characters that are no ASCII white space, from byte `position`, which moves to the

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "recognition/DictionaryFile.h"
 #include "recognition/WordEntry.h"
@@ -22,6 +23,9 @@ class VeralDictionary {
 
   // Loads a dictionary file. Trouble is reported on the error stream and leaves what could be read.
   explicit VeralDictionary(const char* path) noexcept;
+
+  // Of a file that has been read.
+  explicit VeralDictionary(veral3::DictionaryFile file) noexcept : m_File(std::move(file)) {}
 
   int GetWordCount() const { return static_cast<int>(m_File.words.size()); }
   int GetPhonemeSet() const { return m_File.phoneme_set; }  // CPhonemeSet's identifier, or 0
