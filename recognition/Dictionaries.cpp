@@ -32,11 +32,10 @@ Loaded& TheLoaded() {
 }  // namespace
 
 DictionaryPointer DictionaryOf(LanguageType language) {
-  const int index = language - kLanguageEnglish;
-  if (index < 0 || index >= 3) return nullptr;
+  if (language < kLanguageEnglish || language > kLanguageJapanese) return nullptr;
   Loaded& loaded = TheLoaded();
   const std::lock_guard lock(loaded.mutex);
-  return loaded.dictionaries[static_cast<std::size_t>(index)];
+  return loaded.dictionaries[static_cast<std::size_t>(language - kLanguageEnglish)];
 }
 
 void LoadDictionaries(const char* folder) noexcept try {
