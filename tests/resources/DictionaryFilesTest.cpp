@@ -36,6 +36,19 @@ const Language kEnglishFile = {
     124000,
     130900};
 
+const Language kChineseFile = {
+    "KCN-UTF8Order.txt",
+    "TW_KCP",
+    "ao@EMRiuU()bpmfdtnlgkhjqxZCSrzcs",
+    {{'<', "Uan"}, {'J', "un"},  {'A', "an"},  {'B', "in"},  {'D', "iM"},  {'F', "UE"},
+     {'G', "ia"},  {'H', "uaM"}, {'I', "oM"},  {'K', "uai"}, {'L', "ua"},  {'M', "@M"},
+     {'N', "@n"},  {'O', "ou"},  {'P', "aM"},  {'Q', "iE"},  {'T', "iaM"}, {'V', "iou"},
+     {'W', "au"},  {'X', "ioM"}, {'Y', "iai"}, {'[', "uo"},  {']', "io"},  {'e', "Ei"},
+     {'v', "iEn"}, {'w', "iau"}, {'y', "ai"},  {'{', "uan"}, {'}', "u@i"}},
+    "12345",
+    78000,
+    78000};
+
 struct Reading {
   std::string phonemes;
   std::vector<int> marks;
@@ -176,7 +189,7 @@ TEST_P(DictionaryFiles, TheEngineFindsEveryWordWithThesePronunciations) {
   EXPECT_EQ(messages.Entries().size(), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, DictionaryFiles, testing::Values(kEnglishFile),
+INSTANTIATE_TEST_SUITE_P(Languages, DictionaryFiles, testing::Values(kEnglishFile, kChineseFile),
                          [](const auto& param_info) { return param_info.param.tag; });
 
 TEST(EnglishDictionaryFile, ReadsEveryNumberAloud) {
@@ -190,6 +203,44 @@ TEST(EnglishDictionaryFile, ReadsEveryNumberAloud) {
             0);
   EXPECT_EQ(words.Count(), 28 + 3 + 5 + 4 + 10);
   EXPECT_EQ(messages.Entries().size(), 1U) << messages.All();
+}
+
+TEST(ChineseDictionaryFile, GivesTheReadingsOfTaiwan) {
+  struct Expected {
+    const wchar_t* word;
+    std::string phonemes;
+    std::vector<int> marks;
+  };
+  const std::vector<Expected> cases = {
+      {L"\u5783\u573E", "l@s@", {4, 4}},      // le se, rubbish
+      {L"\u4F01\u696D", "qiiE", {4, 4}},      // qi ye
+      {L"\u7814\u7A76", "iEnjiou", {2, 4}},   // yan jiu
+      {L"\u653B\u64CA", "goMji", {1, 2}},     // gong ji
+      {L"\u661F\u671F", "xiMqi", {1, 2}},     // xing qi
+      {L"\u982D\u9AEE", "toufa", {2, 3}},     // tou fa
+      {L"\u4E00\u500B", "ig@", {2, 4}},       // yi ge: yi changes
+      {L"\u4E0D\u662F", "buS)", {2, 4}},      // bu shi: bu changes
+      {L"\u5F88\u597D", "h@nhau", {3, 3}},    // hen hao: third tones stay
+      {L"\u6F02\u4EAE", "piauliaM", {4, 4}},  // piao liang: no neutral tone
+      {L"\u6211\u5011", "uom@n", {3, 5}},     // wo men: one
+      {L"\u5ABD\u5ABD", "mama", {1, 5}},      // ma ma
+      {L"\u7DA0\u8272", "lUs@", {4, 4}},      // lue se with u umlaut
+      {L"\u8ECD\u968A", "jUndu@i", {1, 4}},
+  };
+  const test::MessageCapture messages;
+  const VeralDictionary dictionary(
+      (std::string(VERAL3_SOURCE_DIR) + "/resources/KCN-UTF8Order.txt").c_str());
+  for (const Expected& expected : cases) {
+    const auto entry = dictionary.LookupWord(expected.word);
+    ASSERT_NE(entry, nullptr) << Utf8FromWide(expected.word);
+    const Pronunciation& found = entry->Entry().pronunciations[0];
+    EXPECT_EQ(found.phonemes, expected.phonemes);
+    EXPECT_TRUE(std::equal(found.syllable_marks.begin(), found.syllable_marks.end(),
+                           expected.marks.begin(), expected.marks.end()))
+        << expected.phonemes;
+  }
+  // "and" is he or han.
+  EXPECT_EQ(dictionary.LookupWord(L"\u548C")->Entry().pronunciations[1].phonemes, "han");
 }
 
 }  // namespace
