@@ -117,8 +117,7 @@ CLI::App* AddAlignCommand(CLI::App& app, AlignOptions& options) {
       ->type_name("FORMAT");
   align
       ->add_option("--tier", options.tier,
-                   "words, syllables or phonemes: what ctm and audacity hold (default words), and "
-                   "csv (default all)")
+                   "What ctm and audacity hold (default words), and csv (default all)")
       ->check(CLI::IsMember({"words", "syllables", "phonemes"}))
       ->type_name("TIER");
   align

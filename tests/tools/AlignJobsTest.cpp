@@ -18,7 +18,7 @@ TEST(AlignJobsThreads, OutcomesAreThoseOfOneThreadInOrder) {
   const veral3::test::ScratchFolder folder;
   std::vector<AlignJob> jobs;
   for (int i = 0; i < 10; ++i) {
-    const std::string file = folder.Path() / ("r" + std::to_string(i) + ".wav");
+    const std::string file = folder.Path() / test::NumberedWav(i);
     std::vector<double> values;
     for (const std::int16_t sample :
          veral3::test::NoiseBursts(6000 + 1500 * (i % 3), static_cast<std::uint32_t>(i))) {

@@ -303,7 +303,7 @@ TEST_F(Command, CtmNamesRecordingsApart) {
 TEST_F(Command, JobsChangeNothingInTheOutput) {
   std::vector<std::string> arguments = {"--text", "apple", "--text", "a", "--format", "json"};
   for (int i = 0; i < 12; ++i) {
-    const std::string name = "r" + std::to_string(i) + ".wav";
+    const std::string name = test::NumberedWav(i);
     if (i != 5) WriteWav(name, 8000 + 3000 * (i % 4));
     arguments.push_back(Path(name));
   }
