@@ -2,9 +2,11 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <stdexcept>
 
 #include "support/Vectors.h"
@@ -34,11 +36,12 @@ ProcessResult RunVeral3(const std::vector<std::string>& arguments) {
   if (error != 0) throw std::runtime_error("cannot start " + words[0]);
 
   int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
+  rusage usage{};
+  while (wait4(child, &status, 0, &usage) < 0) {
     if (errno != EINTR) throw std::runtime_error("cannot wait for " + words[0]);
   }
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, veral3::test::ReadFile(out),
-          veral3::test::ReadFile(err)};
+          veral3::test::ReadFile(err), usage.ru_maxrss};
 }
 
 }  // namespace veral3::tools::test

@@ -9,6 +9,7 @@ struct ProcessResult {
   int status = -1;  // exit status; -1 when a signal ended the process
   std::string out;
   std::string err;
+  long max_resident_kb = 0;  // the most memory that it held
 };
 
 // Runs the `veral3` command of this build with standard input empty, and waits for its end.
