@@ -44,7 +44,7 @@ int LanguagePlace(int phoneme_set_identifier) {
 }
 
 bool NamesModel(ModelFileType type) {
-  return (type >= kFrameModelEnglish && type <= kGoodnessModel) ||
+  return (type >= kFrameModelEnglish && type <= kUttGoodnessModel) ||
          (type >= kPhonemeModelEnglish && type <= kPhonemeModelJapanese);
 }
 
@@ -52,7 +52,7 @@ int Load(ModelSet& models, const char* path, ModelFileType type) {
   switch (type) {
     case kToneModelChinese:
       return models.tone.LoadFromFile(path);
-    case kGoodnessModel:
+    case kUttGoodnessModel:
       return models.goodness.LoadFromFile(path);
     case kFrameModelEnglish:
     case kFrameModelChinese:

@@ -185,13 +185,14 @@ class Decoder {
     }
   }
 
-  // The survivor of two tokens in a node; the one that enters wins a tie.
+  // The survivor of two tokens in a node; the one that enters wins a tie. Which it will be cannot
+  // be foreseen, so this is written without branches.
   void MoveOrStay(double move, std::int32_t move_head, double stay, std::int32_t node, int frame,
                   double& score, std::int32_t& head) {
-    const bool moves = !(stay > move) && move != kNoToken;
-    const std::int32_t entry = m_history.Append(node, frame, move_head, moves);
-    head = moves ? entry : head;
-    score = moves ? move : stay;
+    const int moves = static_cast<int>(!(stay > move)) & static_cast<int>(move > kNoToken);
+    const std::int32_t entry = m_history.Append(node, frame, move_head, moves != 0);
+    head += (entry - head) & -moves;
+    score = stay > move ? stay : move;
   }
 
   // The last frame: tokens walk up to the end node in falling order of creation.

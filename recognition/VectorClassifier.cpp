@@ -90,6 +90,15 @@ int VectorClassifier::Classify(const float* input, int length, double* output, i
 int VectorClassifier::ClassifyBatch(const float* inputs, int count, int length, double* outputs,
                                     int expected) const {
   if (!m_loaded) return ReportNoModel();
+  if (count <= 0) return 0;
+  if (inputs && outputs && length == m_nInputLength &&
+      m_KerasModel.is_dense_chain(length, expected)) {
+    const std::size_t rows = static_cast<std::size_t>(count);
+    const std::vector<double> values(inputs, inputs + rows * static_cast<std::size_t>(length));
+    keras::Workspace workspace;
+    m_KerasModel.compute_batch(values.data(), rows, length, outputs, expected, workspace);
+    return 0;
+  }
   int result = 0;
   for (std::ptrdiff_t n = 0; n < count; ++n) {
     const float* const input = inputs ? inputs + n * length : nullptr;

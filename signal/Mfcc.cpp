@@ -11,6 +11,13 @@ constexpr std::uint32_t kMaxSamples = 0x7FFFFFFF;  // the toolkit counts them in
 
 }  // namespace
 
+bool IsMfccRowLength(int num_values) {
+  if (num_values == kMfccSize) return true;
+  Message(MessageStream::kError) << "Fatal Error: incorrect number of MFCC features=" << num_values
+                                 << "\n";
+  return false;
+}
+
 std::vector<float> ComputeMfcc(const std::int16_t* samples, std::uint32_t num_samples) {
   const int num_frames = NumFrames(num_samples);
   if (samples == nullptr || num_frames == 0) return {};
@@ -25,9 +32,7 @@ std::vector<float> ComputeMfcc(const std::int16_t* samples, std::uint32_t num_sa
                                 {1, 1, 1})) {
     return {};
   }
-  if (front_end.RowLength() != kMfccSize) {
-    Message(MessageStream::kError)
-        << "Fatal Error: incorrect number of MFCC features=" << front_end.RowLength() << "\n";
+  if (!IsMfccRowLength(front_end.RowLength())) {
     front_end.ReleaseUtterance();
     return {};
   }

@@ -14,4 +14,7 @@ inline constexpr int kMfccSize = 39;  // values a frame
 // same samples always give the same bits.
 std::vector<float> ComputeMfcc(const std::int16_t* samples, std::uint32_t num_samples);
 
+// Whether rows of that many values are MFCC features; says so on standard error when not.
+bool IsMfccRowLength(int num_values);
+
 }  // namespace veral3

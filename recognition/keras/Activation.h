@@ -11,6 +11,10 @@ inline constexpr char kSoftmax = 'x';  // dense layers only
 inline constexpr char kSigmoid = 'g';
 inline constexpr char kTanh = 't';
 
+constexpr bool IsActivation(char code) {
+  return code == kRelu || code == kSoftmax || code == kSigmoid || code == kTanh;
+}
+
 // Applies the activation in place. Relu keeps NaN and -0.0. Softmax subtracts the largest value
 // first, so large values do not overflow; its sum runs in index order. Any other code ends the
 // process: it can only come from a damaged model file.

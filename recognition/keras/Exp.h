@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <limits>
 
 // The exponential function of the network engine. The C library's exp differs in the last bit
 // between machines (it picks a fused variant where there is one) and can't be evaluated in vector
@@ -26,10 +27,10 @@ inline constexpr double kSeries[] = {  // 1/13! .. 1/2!
     1.0 / 120.0,        1.0 / 24.0,        1.0 / 6.0,        1.0 / 2.0};
 }  // namespace exp_detail
 
-// e to the power x; NaN comes back as it is.
+// e to the power x; of NaN the one quiet NaN.
 inline double Exp(double x) {
   using namespace exp_detail;
-  if (x != x) return x;
+  if (x != x) return std::numeric_limits<double>::quiet_NaN();
   if (x < kLowest) x = kLowest;
   if (x > kHighest) x = kHighest;
   const double rounded = x * kInverseLn2 + kRounder;

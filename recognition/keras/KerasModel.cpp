@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "common/MessageWriter.h"
+#include "recognition/keras/Activation.h"
 #include "recognition/keras/BinaryFile.h"
 #include "recognition/keras/LayerConv2D.h"
 #include "recognition/keras/LayerDense.h"
@@ -17,6 +18,8 @@ namespace {
 
 using veral3::Message;
 using veral3::MessageStream;
+
+constexpr std::size_t kChunk = 64;  // inputs that pass through all layers together, in the cache
 
 std::unique_ptr<Layer> MakeLayer(char code) {
   switch (code) {
@@ -147,6 +150,10 @@ int KerasModel::compute_batch(const double* inputs, std::size_t count, std::int3
                               double* outputs, std::int32_t output_size,
                               Workspace& workspace) const {
   const auto width = static_cast<std::size_t>(output_size);
+  if (workspace.kernel && is_dense_chain(input_size, output_size)) {
+    run_dense_chain(inputs, count, static_cast<std::size_t>(input_size), outputs, width, workspace);
+    return 0;
+  }
   std::vector<double> input(static_cast<std::size_t>(input_size));
   int result = 0;
   for (std::size_t n = 0; n < count; ++n) {
@@ -162,6 +169,59 @@ int KerasModel::compute_batch(const double* inputs, std::size_t count, std::int3
     std::fill(std::copy_n(tensor.data1, there, row), row + width, 0.0);
   }
   return result;
+}
+
+bool KerasModel::is_dense_chain(std::int32_t input_size, std::int32_t output_size) const {
+  std::int32_t size = input_size;
+  for (const std::unique_ptr<Layer>& layer : m_layers) {
+    if (!layer) return false;
+    if (layer->type() == kDropout) continue;
+    const auto* const dense = dynamic_cast<const LayerDense*>(layer.get());
+    if (!dense || !dense->complete() || dense->get_input_cols() > size ||
+        !IsActivation(dense->activation())) {
+      return false;
+    }
+    size = dense->get_output_units();
+  }
+  // An empty layer has no data to hand on; such models go one at a time.
+  return size == output_size && size > 0;
+}
+
+void KerasModel::run_dense_chain(const double* inputs, std::size_t count, std::size_t input_size,
+                                 double* outputs, std::size_t output_size,
+                                 Workspace& workspace) const {
+  const DenseKernel& kernel = *workspace.kernel;
+  std::size_t widest = input_size;
+  for (const std::unique_ptr<Layer>& layer : m_layers) {
+    widest = std::max(widest, static_cast<std::size_t>(layer->get_output_units()));
+  }
+  const std::size_t stride = (widest + kPanel - 1) / kPanel * kPanel;
+  for (AlignedVector<double>& rows : workspace.rows) {
+    rows.resize(std::max(rows.size(), stride * std::min(count, kChunk)));
+  }
+  for (std::size_t first = 0; first < count; first += kChunk) {
+    const std::size_t chunk = std::min(count - first, kChunk);
+    Rows in{workspace.rows[0].data(), stride, chunk};
+    Rows out{workspace.rows[1].data(), stride, chunk};
+    for (std::size_t n = 0; n < chunk; ++n) {
+      std::copy_n(inputs + (first + n) * input_size, input_size, in[n]);
+    }
+    for (const std::unique_ptr<Layer>& layer : m_layers) {
+      if (layer->type() == kDropout) continue;
+      const auto& dense = static_cast<const LayerDense&>(*layer);
+      const auto width = static_cast<std::size_t>(dense.get_output_units());
+      const char activation = dense.activation();
+      kernel.forward(dense.packed(), in, out, activation == kRelu, workspace.scratch);
+      if (activation == kSoftmax) kernel.softmax(out, width);
+      if (activation == kSigmoid || activation == kTanh) {
+        for (std::size_t n = 0; n < chunk; ++n) ApplyActivation(activation, {out[n], width});
+      }
+      std::swap(in, out);
+    }
+    for (std::size_t n = 0; n < chunk; ++n) {
+      std::copy_n(in[n], output_size, outputs + (first + n) * output_size);
+    }
+  }
 }
 
 const Layer* KerasModel::first_layer() const {

@@ -23,7 +23,7 @@ TEST(Models, EachTypeFillsItsClassifier) {
       {"frame_en", kFrameModelEnglish},  {"frame_zh", kFrameModelChinese},
       {"frame_ja", kFrameModelJapanese}, {"phon_en", kPhonemeModelEnglish},
       {"phon_zh", kPhonemeModelChinese}, {"phon_ja", kPhonemeModelJapanese},
-      {"tone", kToneModelChinese},       {"good", kGoodnessModel}};
+      {"tone", kToneModelChinese},       {"good", kUttGoodnessModel}};
   for (const auto& [name, type] : models) {
     EXPECT_GE(LoadModelFile(Model(name).c_str(), type), 0) << name;
   }
@@ -62,29 +62,29 @@ TEST(Models, TypesThatNameNoModelComeBack) {
 
 TEST(Models, NoPath) {
   MessageCapture messages;
-  EXPECT_EQ(LoadModelFile(nullptr, kGoodnessModel), -1);
+  EXPECT_EQ(LoadModelFile(nullptr, kUttGoodnessModel), -1);
   EXPECT_EQ(messages.StandardError(), "ERROR in AnalyzedAudio::LoadModelFile(), no path given.\n");
 }
 
 TEST(Models, LoadingWhileInUseIsRefusedAndChangesNothing) {
   MessageCapture messages;
-  ASSERT_GE(LoadModelFile(Model("good").c_str(), kGoodnessModel), 0);
+  ASSERT_GE(LoadModelFile(Model("good").c_str(), kUttGoodnessModel), 0);
   {
     const ModelsInUse one;
     const ModelsInUse another;  // the same thread may hold several
     messages.Clear();
-    EXPECT_EQ(LoadModelFile("/no/such", kGoodnessModel), -1);
+    EXPECT_EQ(LoadModelFile("/no/such", kUttGoodnessModel), -1);
     EXPECT_EQ(messages.StandardError(),
               "ERROR in AnalyzedAudio::LoadModelFile(), the models are in use.\n");
     EXPECT_TRUE(GoodnessClassifier().IsLoaded());
   }
-  EXPECT_GE(LoadModelFile(Model("good").c_str(), kGoodnessModel), 0);
+  EXPECT_GE(LoadModelFile(Model("good").c_str(), kUttGoodnessModel), 0);
 }
 
 TEST(Models, LoadsAndAnalysesOnManyThreads) {
   MessageCapture messages;
   const std::string path = Model("good");
-  ASSERT_GE(LoadModelFile(path.c_str(), kGoodnessModel), 0);
+  ASSERT_GE(LoadModelFile(path.c_str(), kUttGoodnessModel), 0);
   const std::vector<double> features(16, 0.5);
   const double expected = GoodnessClassifier().ClassifyUtteranceGoodness(features.data());
   std::atomic<int> wrong = 0;
@@ -98,7 +98,7 @@ TEST(Models, LoadsAndAnalysesOnManyThreads) {
     });
   }
   threads.emplace_back([&] {
-    for (int n = 0; n < 50; ++n) LoadModelFile(path.c_str(), kGoodnessModel);  // may be refused
+    for (int n = 0; n < 50; ++n) LoadModelFile(path.c_str(), kUttGoodnessModel);  // may be refused
   });
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);

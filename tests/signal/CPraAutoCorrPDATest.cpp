@@ -1,0 +1,269 @@
+#include "signal/CPraAutoCorrPDA.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <new>
+#include <numbers>
+#include <vector>
+
+#include "support/MessageCapture.h"
+
+namespace veral3::test {
+namespace {
+
+constexpr double kPeriod = 1.0 / 22050.0;
+
+// Harmonics of equal strength below 4 kHz.
+std::vector<std::int16_t> Buzz(std::size_t n, double hertz) {
+  std::vector<std::int16_t> samples(n);
+  const int harmonics = static_cast<int>(4000.0 / hertz);
+  for (std::size_t i = 0; i < n; ++i) {
+    double value = 0.0;
+    for (int h = 1; h <= harmonics; ++h) {
+      value += std::sin(2.0 * std::numbers::pi * h * hertz * static_cast<double>(i) * kPeriod);
+    }
+    samples[i] = static_cast<std::int16_t>(20000.0 * value / harmonics);
+  }
+  return samples;
+}
+
+std::unique_ptr<CPraPitch> Detect(const std::vector<std::int16_t>& samples, double floor,
+                                  double ceiling, double step = 0.0, double dx = kPeriod) {
+  return CPraAutoCorrPDA().SoundToPitch(samples.data(), static_cast<std::uint32_t>(samples.size()),
+                                        dx, step, floor, ceiling);
+}
+
+TEST(PitchDetector, Grid) {
+  const auto track = Detect(Buzz(660, 200.0), 75.0, 450.0);
+  ASSERT_NE(track, nullptr);
+  EXPECT_EQ(track->nx, 1);
+  EXPECT_EQ(track->frames.size(), 1U);
+  EXPECT_EQ(track->dx, 0.5 / 75.0);
+  EXPECT_NEAR(track->x1, 659.0 / 2.0 * kPeriod, 1e-15);
+  EXPECT_EQ(track->xmin, 0.0);
+  EXPECT_EQ(track->xmax, 660.0 * kPeriod);
+  EXPECT_EQ(track->floor, 75.0);
+  EXPECT_EQ(track->ceiling, 450.0);
+  EXPECT_EQ(track->max_candidates, 15);
+}
+
+TEST(PitchDetector, CandidatesOfAFrame) {
+  const auto track = Detect(Buzz(5000, 200.0), 75.0, 450.0);
+  ASSERT_NE(track, nullptr);
+  for (const CPraPitchFrame& frame : track->frames) {
+    ASSERT_GE(frame.CandidateCount(), 3);  // unvoiced, the period, twice the period
+    EXPECT_EQ(frame.candidates.size(), static_cast<std::size_t>(frame.CandidateCount()) + 1);
+    EXPECT_NEAR(frame.Frequency(), 200.0, 0.1);
+    EXPECT_GT(frame.intensity, 0.9);
+    EXPECT_LE(frame.intensity, 1.0);
+    int unvoiced = 0;
+    for (std::int32_t i = 1; i <= frame.CandidateCount(); ++i) {
+      const CPraPitchCandidate& candidate = frame.candidates[static_cast<std::size_t>(i)];
+      EXPECT_LE(candidate.strength, 1.0);
+      if (candidate.frequency == 0.0) {
+        ++unvoiced;
+        EXPECT_EQ(candidate.strength, 0.0);
+      } else {
+        EXPECT_GE(candidate.frequency, 75.0);
+        EXPECT_LE(candidate.frequency, 450.0);
+        EXPECT_GT(candidate.strength, 0.2);
+      }
+    }
+    EXPECT_EQ(unvoiced, 1);
+  }
+}
+
+TEST(PitchDetector, CandidatesAreLimited) {
+  // At 4 kHz every sixth lag or so is a maximum: far more than the places.
+  std::vector<std::int16_t> samples(2000);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    samples[i] = static_cast<std::int16_t>(
+        9000.0 * std::sin(2.0 * std::numbers::pi * 4000.0 * static_cast<double>(i) * kPeriod));
+  }
+  const auto track = Detect(samples, 75.0, 450.0);
+  CPraAutoCorrPDA::Settings unlimited;
+  unlimited.max_candidates = 1000;
+  const auto all = CPraAutoCorrPDA().Analyze(samples, kPeriod, unlimited);
+  ASSERT_NE(track, nullptr);
+  ASSERT_NE(all, nullptr);
+
+  // Those are kept that a strength with a share of the height speaks for.
+  const auto strengths = [](const CPraPitchFrame& frame) {
+    std::vector<double> values;
+    for (std::size_t i = 1; i < frame.candidates.size(); ++i) {
+      const CPraPitchCandidate& candidate = frame.candidates[i];
+      if (candidate.frequency == 0.0) continue;
+      values.push_back(candidate.strength + 0.01 * std::log2(candidate.frequency));
+    }
+    std::sort(values.rbegin(), values.rend());
+    return values;
+  };
+  for (std::size_t i = 0; i < track->frames.size(); ++i) {
+    EXPECT_EQ(track->frames[i].CandidateCount(), 15);
+    std::vector<double> strongest = strengths(all->frames[i]);
+    ASSERT_GT(strongest.size(), 30U);
+    strongest.resize(14);
+    EXPECT_EQ(strengths(track->frames[i]), strongest);
+  }
+}
+
+TEST(PitchDetector, AWideRangeRaisesTheNumberOfCandidates) {
+  const auto track = Detect(Buzz(5000, 200.0), 75.0, 3000.0);
+  ASSERT_NE(track, nullptr);
+  EXPECT_EQ(track->max_candidates, 40);
+}
+
+TEST(PitchDetector, TheCeilingIsHalfTheSamplingRateAtMost) {
+  const auto track = Detect(Buzz(5000, 200.0), 75.0, 1e9);
+  ASSERT_NE(track, nullptr);
+  EXPECT_EQ(track->ceiling, 11025.0);
+  EXPECT_EQ(track->max_candidates, 147);
+}
+
+TEST(PitchDetector, AStepOfOnesOwn) {
+  const auto track = Detect(Buzz(5000, 200.0), 75.0, 450.0, 0.01);
+  ASSERT_NE(track, nullptr);
+  EXPECT_EQ(track->dx, 0.01);
+  EXPECT_EQ(track->nx, 21);
+  EXPECT_LE(Detect(Buzz(1000, 200.0), 75.0, 450.0, 1e-30)->nx, 1000 - 588 + 1);
+  EXPECT_EQ(Detect(Buzz(1000, 200.0), 75.0, 450.0, 1e30)->nx, 1);
+}
+
+TEST(PitchDetector, SilenceHasFramesButNoVoice) {
+  const auto track = Detect(std::vector<std::int16_t>(5000, 123), 75.0, 450.0);
+  ASSERT_NE(track, nullptr);
+  EXPECT_GT(track->nx, 0);
+  for (const CPraPitchFrame& frame : track->frames) {
+    EXPECT_EQ(frame.CandidateCount(), 1);
+    EXPECT_EQ(frame.Frequency(), 0.0);
+    EXPECT_EQ(frame.intensity, 0.0);
+  }
+}
+
+TEST(PitchDetector, TooShortForTheFloor) {
+  MessageCapture messages;
+  EXPECT_EQ(Detect(Buzz(587, 200.0), 75.0, 450.0), nullptr);
+  EXPECT_EQ(messages.StandardError(),
+            "For this Sound, the parameter 'minimum pitch'\nmay not be less than 75.127768 Hz.\n");
+  messages.Clear();
+  EXPECT_EQ(Detect({}, 75.0, 450.0), nullptr);
+  EXPECT_EQ(messages.StandardError(),
+            "For this Sound, the parameter 'minimum pitch'\nmay not be less than inf Hz.\n");
+  messages.Clear();
+  EXPECT_EQ(CPraAutoCorrPDA().SoundToPitch(nullptr, 1000, kPeriod, 0.0, 75.0, 450.0), nullptr);
+  EXPECT_NE(messages.StandardError(), "");
+}
+
+TEST(PitchDetector, TooFewSamplesInTheWindow) {
+  MessageCapture messages;
+  EXPECT_EQ(Detect(Buzz(5000, 200.0), 8000.0, 9000.0), nullptr);
+  EXPECT_EQ(messages.StandardError(), "Analysis window too short.\n");
+}
+
+TEST(PitchDetector, ShorterThanTheWindowByRounding) {
+  // The quotients may disagree in the last place: then the second check refuses.
+  MessageCapture messages;
+  const std::vector<std::int16_t> samples(1000);
+  int refused = 0;
+  for (std::uint32_t n = 100; n <= 1000; ++n) {
+    const double floor = 2.0 / (n * kPeriod);
+    const auto track = CPraAutoCorrPDA().SoundToPitch(samples.data(), n, kPeriod, 0.0, floor, 450);
+    if (track) continue;
+    ++refused;
+    EXPECT_EQ(messages.StandardError().rfind("Wav duration 0.0", 0), 0U)
+        << messages.StandardError();
+    EXPECT_NE(messages.StandardError().find(" shorter than window length 0.0"), std::string::npos);
+    EXPECT_EQ(messages.StandardError().substr(messages.StandardError().size() - 2), ".\n");
+    messages.Clear();
+  }
+  EXPECT_GT(refused, 0);
+}
+
+// Runs out of memory at the candidates of one frame.
+class PoorDetector : public CPraAutoCorrPDA {
+ protected:
+  void StoreCandidates(CPraPitchFrame& frame,
+                       std::span<const CPraPitchCandidate> candidates) const override {
+    if (++m_frame == 3) throw std::bad_alloc();
+    CPraAutoCorrPDA::StoreCandidates(frame, candidates);
+  }
+
+ private:
+  mutable int m_frame = 0;
+};
+
+TEST(PitchDetector, OutOfMemory) {
+  MessageCapture messages;
+  const auto samples = Buzz(5000, 200.0);
+  EXPECT_EQ(PoorDetector().SoundToPitch(samples.data(), 5000, kPeriod, 0.0, 75.0, 450.0), nullptr);
+  EXPECT_EQ(messages.StandardError(), "Pitch not created.\n");
+}
+
+TEST(PitchDetector, AbsurdArguments) {
+  MessageCapture messages;
+  const auto samples = Buzz(2000, 200.0);
+  const double kNan = std::numeric_limits<double>::quiet_NaN();
+  const double kInfinity = std::numeric_limits<double>::infinity();
+  const double values[] = {kNan, kInfinity, -kInfinity, 0.0, -1.0, 1e-300, 1e300, 75.0, 450.0};
+  for (const double floor : values) {
+    for (const double ceiling : values) {
+      for (const double step : {0.0, 0.01, kNan, kInfinity}) {
+        for (const double dx : {kPeriod, 0.0, -1.0, kNan, kInfinity, 1e300, 1e-300}) {
+          const auto track = Detect(samples, floor, ceiling, step, dx);
+          if (!track) continue;
+          for (const CPraPitchFrame& frame : track->frames) {
+            ASSERT_TRUE(std::isfinite(frame.Frequency()));
+          }
+        }
+      }
+    }
+  }
+  EXPECT_NE(messages.StandardError(), "");
+}
+
+TEST(PitchRangeEstimate, WidthsOfTheGaps) {
+  // The lower gap is more than 60 Hz wide, the upper one more than 50.
+  const std::vector<double> at_the_widths = {100, 160, 165, 170, 175, 180, 185, 235};
+  EXPECT_FALSE(EstimateRangeOfSorted(at_the_widths).gap_found);
+  const std::vector<double> low = {100, 160.5, 165, 170, 175, 180, 185, 235};
+  EXPECT_TRUE(EstimateRangeOfSorted(low).gap_found);
+  EXPECT_EQ(EstimateRangeOfSorted(low).low, 160.5);
+  EXPECT_EQ(EstimateRangeOfSorted(low).high, 235.0);
+  const std::vector<double> high = {100, 160, 165, 170, 175, 180, 185, 235.5};
+  EXPECT_TRUE(EstimateRangeOfSorted(high).gap_found);
+  EXPECT_EQ(EstimateRangeOfSorted(high).low, 100.0);
+  EXPECT_EQ(EstimateRangeOfSorted(high).high, 185.0);
+}
+
+TEST(PitchRangeEstimate, Few) {
+  EXPECT_EQ(EstimateRangeOfSorted({}).low, 0.0);
+  EXPECT_EQ(EstimateRangeOfSorted({}).high, 0.0);
+  // Below four values nothing lies beyond a gap below; with three or fewer nothing above.
+  const std::vector<double> three = {80.0, 200.0, 400.0};
+  EXPECT_FALSE(EstimateRangeOfSorted(three).gap_found);
+  EXPECT_EQ(EstimateRangeOfSorted(three).low, 80.0);
+  EXPECT_EQ(EstimateRangeOfSorted(three).high, 400.0);
+}
+
+TEST(PitchRangeEstimate, ReadsTheChosenCandidatesThatPass) {
+  CPraPitch track;
+  track.floor = 75.0;
+  track.ceiling = 450.0;
+  for (const double frequency : {210.0, 0.0, 60.0, 200.0, 500.0, 205.0}) {
+    CPraPitchFrame frame;
+    frame.candidates = {{}, {frequency, 0.9}, {90.0, 0.5}};
+    track.frames.push_back(frame);
+  }
+  track.frames.back().candidates.pop_back();  // one candidate only: unvoiced
+  track.nx = static_cast<std::int32_t>(track.frames.size());
+  double low = -1.0, high = -1.0;
+  EXPECT_FALSE(CPraAutoCorrPDA().EstimatePitchRange(track, low, high));
+  EXPECT_EQ(low, 200.0);
+  EXPECT_EQ(high, 210.0);
+}
+
+}  // namespace
+}  // namespace veral3::test

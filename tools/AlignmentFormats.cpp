@@ -1,0 +1,300 @@
+#include "tools/AlignmentFormats.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "common/Unicode.h"
+#include "tools/Languages.h"
+#include "tools/Numbers.h"
+
+namespace veral3::tools {
+namespace {
+
+constexpr std::array kFormats = {
+    std::pair{std::string_view("table"), Format::kTable},
+    std::pair{std::string_view("json"), Format::kJson},
+    std::pair{std::string_view("textgrid"), Format::kTextGrid},
+    std::pair{std::string_view("ctm"), Format::kCtm},
+    std::pair{std::string_view("csv"), Format::kCsv},
+    std::pair{std::string_view("audacity"), Format::kAudacity},
+};
+constexpr std::array kTiers = {
+    std::pair{std::string_view("words"), Tier::kWords},
+    std::pair{std::string_view("syllables"), Tier::kSyllables},
+    std::pair{std::string_view("phonemes"), Tier::kPhonemes},
+};
+
+const std::vector<Segment>& SegmentsOf(const AlignmentReport& report, Tier tier) {
+  switch (tier) {
+    case Tier::kWords:
+      return report.words;
+    case Tier::kSyllables:
+      return report.syllables;
+    case Tier::kPhonemes:
+      break;
+  }
+  return report.phonemes;
+}
+
+// Columns that the text takes in a terminal; Chinese and Japanese characters take two.
+int DisplayWidth(const std::string& text) {
+  int width = 0;
+  for (const wchar_t c : WideFromUtf8(text)) {
+    width += utf8proc_charwidth(static_cast<utf8proc_int32_t>(c));
+  }
+  return width;
+}
+
+// `text` with every control character and, where `blanks` says so, every blank replaced.
+std::string Replace(std::string_view text, char control, std::optional<char> blank) {
+  std::string result;
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
+      result += control;
+    } else {
+      result += c == ' ' && blank ? *blank : c;
+    }
+  }
+  return result;
+}
+
+// ---- table ----
+
+constexpr int kTableIndent = 10;  // columns from one level to the next, at least
+
+std::string TableRow(int start, int end, int level, int indent, const std::string& text) {
+  return Right(Fixed(Seconds(start), 3), 9) + Right(Fixed(Seconds(end), 3), 9) +
+         Right(std::to_string(start), 10) + Right(std::to_string(end), 10) + "   " +
+         std::string(static_cast<std::size_t>(level * indent), ' ') + text + "\n";
+}
+
+// ---- JSON ----
+
+using OrderedJson = nlohmann::ordered_json;
+
+double Rounded(double seconds) { return std::round(seconds * 1e6) / 1e6; }
+
+OrderedJson JsonSegments(const std::vector<Segment>& segments, const char* name) {
+  OrderedJson array = OrderedJson::array();
+  for (const Segment& segment : segments) {
+    array.push_back({{name, segment.text},
+                     {"start_sample", segment.start},
+                     {"end_sample", segment.end},
+                     {"start_s", Rounded(Seconds(segment.start))},
+                     {"end_s", Rounded(Seconds(segment.end))}});
+  }
+  return array;
+}
+
+// ---- TextGrid ----
+
+std::string QuotedForTextGrid(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : Replace(text, ' ', std::nullopt)) {
+    result += c;
+    if (c == '"') result += c;
+  }
+  return result + "\"";
+}
+
+// The segments with the pauses between them as segments without text, from 0 to `end`; nothing
+// empty, nothing that overlaps.
+std::vector<Segment> WithoutGaps(const std::vector<Segment>& segments, int end) {
+  std::vector<Segment> result;
+  int reached = 0;
+  for (const Segment& segment : segments) {
+    const int start = std::clamp(segment.start, reached, end);
+    const int stop = std::clamp(segment.end, start, end);
+    if (stop == start) continue;
+    if (start > reached) result.push_back({"", reached, start});
+    result.push_back({segment.text, start, stop});
+    reached = stop;
+  }
+  if (reached < end || result.empty()) result.push_back({"", reached, end});
+  return result;
+}
+
+std::string TextGridTier(int number, Tier tier, const AlignmentReport& report) {
+  const std::vector<Segment> intervals = WithoutGaps(SegmentsOf(report, tier), report.num_samples);
+  std::string text = "    item [" + std::to_string(number) + "]:\n";
+  text += "        class = \"IntervalTier\"\n";
+  text += "        name = \"" + std::string(NameOf(tier)) + "\"\n";
+  text += "        xmin = 0\n";
+  text += "        xmax = " + Fixed(Seconds(report.num_samples), 6) + "\n";
+  text += "        intervals: size = " + std::to_string(intervals.size()) + "\n";
+  int interval_number = 0;
+  for (const Segment& interval : intervals) {
+    const std::string start = interval.start == 0 ? "0" : Fixed(Seconds(interval.start), 6);
+    text += "        intervals [" + std::to_string(++interval_number) + "]:\n";
+    text += "            xmin = " + start + "\n";
+    text += "            xmax = " + Fixed(Seconds(interval.end), 6) + "\n";
+    text += "            text = " + QuotedForTextGrid(interval.text) + "\n";
+  }
+  return text;
+}
+
+// ---- CSV ----
+
+std::string QuotedForCsv(const std::string& field) {
+  if (field.find_first_of(",\"\r\n") == std::string::npos) return field;
+  std::string result = "\"";
+  for (const char c : field) {
+    result += c;
+    if (c == '"') result += c;
+  }
+  return result + "\"";
+}
+
+}  // namespace
+
+std::optional<Format> FormatOf(std::string_view name) {
+  const auto found = std::ranges::find(kFormats, name, [](const auto& f) { return f.first; });
+  return found == kFormats.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<Tier> TierOf(std::string_view name) {
+  const auto found = std::ranges::find(kTiers, name, [](const auto& t) { return t.first; });
+  return found == kTiers.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::string_view NameOf(Tier tier) {
+  return std::ranges::find(kTiers, tier, [](const auto& t) { return t.second; })->first;
+}
+
+std::string_view ExtensionOf(Format format) {
+  switch (format) {
+    case Format::kJson:
+      return ".json";
+    case Format::kTextGrid:
+      return ".TextGrid";
+    case Format::kCtm:
+      return ".ctm";
+    case Format::kCsv:
+      return ".csv";
+    case Format::kAudacity:
+      return ".labels.txt";
+    case Format::kTable:
+      break;
+  }
+  return ".txt";
+}
+
+bool HoldsSeveralFiles(Format format) {
+  return format != Format::kTextGrid && format != Format::kAudacity;
+}
+
+std::string Table(const AlignmentReport& report) {
+  if (!report.error.empty()) return "";
+  std::string text = report.file + ": " + Fixed(Seconds(report.num_samples), 3) + " s, " +
+                     std::string(LanguageName(report.language)) + "\n";
+  text += "sentence " + std::to_string(report.sentence_index + 1) + ": " + report.sentence + "\n";
+  text += "log probability " + Fixed(report.log_probability, 2) + "\n\n";
+
+  int indent = kTableIndent;
+  for (const Segment& word : report.words) indent = std::max(indent, DisplayWidth(word.text) + 2);
+  const auto heading = [&](const std::string& name) {
+    return name + std::string(static_cast<std::size_t>(indent) - name.size(), ' ');
+  };
+  text += "  start s    end s     start       end   " + heading("word") + heading("syllable") +
+          "phoneme\n";
+
+  std::size_t syllable = 0;
+  std::size_t phoneme = 0;
+  int reached = 0;
+  const auto pause = [&](int start) {
+    if (start > reached) text += TableRow(reached, start, 0, indent, "(pause)");
+  };
+  for (const Segment& word : report.words) {
+    pause(word.start);
+    text += TableRow(word.start, word.end, 0, indent, word.text);
+    for (int s = 0; s < word.parts && syllable < report.syllables.size(); ++s, ++syllable) {
+      const Segment& part = report.syllables[syllable];
+      text += TableRow(part.start, part.end, 1, indent, part.text);
+      for (int p = 0; p < part.parts && phoneme < report.phonemes.size(); ++p, ++phoneme) {
+        const Segment& symbol = report.phonemes[phoneme];
+        text += TableRow(symbol.start, symbol.end, 2, indent, symbol.text);
+      }
+    }
+    reached = std::max(reached, word.end);
+  }
+  pause(report.num_samples);
+  return text;
+}
+
+std::string Json(const AlignmentReport& report) {
+  OrderedJson object = {{"file", report.file}};
+  if (!report.error.empty()) {
+    object["error"] = report.error;
+  } else {
+    object["language"] = LanguageCode(report.language);
+    object["sentence_index"] = report.sentence_index;
+    object["sentence"] = report.sentence;
+    object["log_probability"] = report.log_probability;
+    object["sample_rate"] = kSampleRate;
+    object["num_samples"] = report.num_samples;
+    object["words"] = JsonSegments(report.words, "text");
+    object["syllables"] = JsonSegments(report.syllables, "text");
+    object["phonemes"] = JsonSegments(report.phonemes, "symbol");
+  }
+  return object.dump(2, ' ', false, OrderedJson::error_handler_t::replace);
+}
+
+std::string TextGrid(const AlignmentReport& report) {
+  if (!report.error.empty()) return "";
+  std::string text = "File type = \"ooTextFile\"\nObject class = \"TextGrid\"\n\n";
+  text += "xmin = 0\n";
+  text += "xmax = " + Fixed(Seconds(report.num_samples), 6) + "\n";
+  text += "tiers? <exists>\nsize = 3\nitem []:\n";
+  text += TextGridTier(1, Tier::kWords, report);
+  text += TextGridTier(2, Tier::kSyllables, report);
+  text += TextGridTier(3, Tier::kPhonemes, report);
+  return text;
+}
+
+std::string Ctm(const AlignmentReport& report, std::string_view recording, Tier tier) {
+  if (!report.error.empty()) return "";
+  const std::string name = Replace(recording, '_', '_');
+  std::string text;
+  for (const Segment& segment : SegmentsOf(report, tier)) {
+    if (segment.end <= segment.start) continue;
+    text += name + " 1 " + Fixed(Seconds(segment.start), 3) + " " +
+            Fixed(Seconds(segment.end - segment.start), 3) + " " + Replace(segment.text, '_', '_') +
+            " " + Fixed(segment.confidence, 4) + "\n";
+  }
+  return text;
+}
+
+std::string CsvHeader() { return "file,tier,text,start_sample,end_sample,start_s,end_s\r\n"; }
+
+std::string Csv(const AlignmentReport& report, std::optional<Tier> tier) {
+  if (!report.error.empty()) return "";
+  std::string text;
+  for (const auto& [name, value] : kTiers) {
+    if (tier && *tier != value) continue;
+    for (const Segment& segment : SegmentsOf(report, value)) {
+      text += QuotedForCsv(report.file) + "," + std::string(name) + "," +
+              QuotedForCsv(segment.text) + "," + std::to_string(segment.start) + "," +
+              std::to_string(segment.end) + "," + Fixed(Seconds(segment.start), 6) + "," +
+              Fixed(Seconds(segment.end), 6) + "\r\n";
+    }
+  }
+  return text;
+}
+
+std::string AudacityLabels(const AlignmentReport& report, Tier tier) {
+  if (!report.error.empty()) return "";
+  std::string text;
+  for (const Segment& segment : SegmentsOf(report, tier)) {
+    if (segment.end <= segment.start) continue;
+    text += Fixed(Seconds(segment.start), 6) + "\t" + Fixed(Seconds(segment.end), 6) + "\t" +
+            Replace(segment.text, ' ', std::nullopt) + "\n";
+  }
+  return text;
+}
+
+}  // namespace veral3::tools

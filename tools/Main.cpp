@@ -1,0 +1,46 @@
+// The `veral3` command: docs/command.md is its manual.
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <cstdio>
+#include <exception>
+
+#include "tools/AlignCommand.h"
+
+namespace {
+
+int Run(int argc, char** argv) {
+  using veral3::tools::kWrongUsage;
+  CLI::App app("Veral3: how a sentence was spoken, word by word and sound by sound");
+  app.name("veral3");
+  app.set_version_flag("--version", "veral3 " VERAL3_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Example:\n  veral3 align --lang en --text \"Good morning\" recording.wav\n\n"
+      "veral3 align --help tells more.");
+  veral3::tools::AlignOptions align;
+  const CLI::App* align_command = veral3::tools::AddAlignCommand(app, align);
+
+  if (argc < 2) {
+    std::fputs(app.help().c_str(), stderr);
+    return kWrongUsage;
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kWrongUsage;
+  }
+  return align_command->parsed() ? veral3::tools::RunAlign(align) : kWrongUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "veral3: %s\n", error.what());
+    return veral3::tools::kSomeFailed;
+  }
+}

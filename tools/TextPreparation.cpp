@@ -1,0 +1,168 @@
+#include "tools/TextPreparation.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+#include "common/Unicode.h"
+#include "recognition/CPhonemeSet.h"
+#include "recognition/EnglishNumbers.h"
+#include "recognition/SentenceTokens.h"
+
+namespace veral3::tools {
+namespace {
+
+// Symbols that stand for words; the engine takes them for punctuation.
+constexpr std::wstring_view kSpokenSymbols = L"%&@#$+=\u20AC\u00A3\u00A5\u00B0";
+
+bool IsWidthVariant(wchar_t c) { return c >= 0xFF00 && c <= 0xFFEF; }
+
+bool IsApostrophe(wchar_t c) {
+  return c == L'\'' || c == 0x2018 || c == 0x2019 || c == 0x02BC || c == 0x2032 || c == 0x00B4 ||
+         c == 0x0060;
+}
+
+// Characters that nobody sees: soft hyphen, joiners, marks of direction, byte-order mark, variation
+// selectors.
+bool IsInvisible(wchar_t c) {
+  return c == 0x00AD || (c >= 0x200C && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
+         (c >= 0x2060 && c <= 0x2064) || c == 0xFEFF || (c >= 0xFE00 && c <= 0xFE0F) ||
+         (c >= 0xE0100 && c <= 0xE01EF);
+}
+
+// Unicode normalisation by utf8proc; the text as it is where that fails.
+std::wstring Normalized(std::wstring_view text, int options) {
+  const std::string utf8 = Utf8FromWide(text);
+  utf8proc_uint8_t* mapped = nullptr;
+  const utf8proc_ssize_t length = utf8proc_map(
+      reinterpret_cast<const utf8proc_uint8_t*>(utf8.data()),
+      static_cast<utf8proc_ssize_t>(utf8.size()), &mapped, static_cast<utf8proc_option_t>(options));
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
+  if (length < 0) return std::wstring(text);
+  return WideFromUtf8(
+      std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length)));
+}
+
+// Fullwidth and halfwidth forms as the usual ones. A run goes through at once: a halfwidth kana and
+// its voicing mark make one character. Bars and apostrophes of this kind are punctuation and do not
+// become the characters that mean something to the engine.
+std::wstring WithUsualWidth(std::wstring_view text) {
+  constexpr int kCompatible = UTF8PROC_STABLE | UTF8PROC_COMPAT | UTF8PROC_COMPOSE;
+  std::wstring result;
+  for (std::size_t i = 0; i < text.size();) {
+    std::size_t end = i;
+    while (end < text.size() && IsWidthVariant(text[end]) && text[end] != 0xFF5C &&
+           text[end] != 0xFF07) {
+      ++end;
+    }
+    if (end > i) {
+      result += Normalized(text.substr(i, end - i), kCompatible);
+      i = end;
+    } else {
+      result += text[i] == 0xFF5C ? L' ' : text[i] == 0xFF07 ? L'\u2019' : text[i];
+      ++i;
+    }
+  }
+  return result;
+}
+
+// One character of the sentence for the engine; 0 takes it out.
+wchar_t Prepared(wchar_t c, bool english) {
+  if (IsInvisible(c)) return 0;
+  if (english && IsApostrophe(c)) return L'\'';
+  if (c < 0x20 || c == 0x7F || (c >= 0x80 && c <= 0xA0)) return L' ';
+  if (c < 0x80) return c;
+  if (c == 0x200B || c == 0x2007 || c == 0x202F || IsWideSpace(c)) return L' ';
+  return IsWidePunctuation(c) ? L' ' : c;
+}
+
+void AddOnce(std::vector<std::string>& list, std::wstring_view text) {
+  std::string utf8 = Utf8FromWide(text);
+  if (std::ranges::find(list, utf8) == list.end()) list.push_back(std::move(utf8));
+}
+
+}  // namespace
+
+std::string PrepareText(std::string_view text, LanguageType language) {
+  const bool english = language == kLanguageEnglish;
+  const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
+  std::wstring prepared;
+  for (const wchar_t c : usual) {
+    const wchar_t kept = Prepared(c, english);
+    if (kept == 0) continue;
+    if (kept == L' ' && (prepared.empty() || prepared.back() == L' ')) continue;
+    prepared += kept;
+  }
+  if (prepared.ends_with(L' ')) prepared.pop_back();
+  int options = UTF8PROC_STABLE | UTF8PROC_COMPOSE;
+  if (english) options |= UTF8PROC_STRIPMARK;
+  return Utf8FromWide(Normalized(prepared, options));
+}
+
+SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
+                            const HasWord& has_word) {
+  SentenceCheck check;
+  const CPhonemeSet* set = PhonemeSetOf(language);
+  if (set == nullptr) return check;
+  const std::wstring text = WideFromUtf8(sentence);
+  for (std::size_t position = 0;;) {
+    const SentenceToken token = NextSentenceToken(set->GetIdentifier(), text, position);
+    if (token.text.empty()) break;
+    position = token.next;
+    if (token.text.starts_with(L'|')) {
+      ++check.num_words;
+    } else if (token.is_number) {
+      if (language == kLanguageEnglish && !EnglishNumberWords(token.text).empty()) {
+        ++check.num_words;
+      } else {
+        AddOnce(check.unread_numbers, token.text);
+      }
+    } else if (has_word(token.text)) {
+      ++check.num_words;
+    } else {
+      AddOnce(check.missing_words, token.text);
+    }
+  }
+  return check;
+}
+
+std::vector<std::string> UnreadSymbols(std::string_view text) {
+  std::vector<std::string> symbols;
+  const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
+  bool inline_segment = false;
+  for (const wchar_t c : usual) {
+    if (c == L'|') inline_segment = !inline_segment;
+    if (!inline_segment && kSpokenSymbols.find(c) != std::wstring_view::npos) {
+      AddOnce(symbols, std::wstring_view(&c, 1));
+    }
+  }
+  return symbols;
+}
+
+std::string InlinePronunciationHelp(std::string_view word, LanguageType language) {
+  std::string help = "write it with its pronunciation in its place, as\n    |1 1 ? ";
+  help += "SYLLABLES MARKS STARTS PHONEMES|" + std::string(word) + "\n";
+  switch (language) {
+    case kLanguageEnglish:
+      help +=
+          "(number of syllables; a stress digit 0, 1 or 2 for each; where each begins in the\n"
+          "phonemes, counted from 0; the phonemes), for example\n    |1 1 ? 2 01 0 2 h@lo|hello\n";
+      break;
+    case kLanguageChinese:
+      help +=
+          "(number of syllables; a tone digit 1 to 5 for each; where each begins in the phonemes,\n"
+          "counted from 0; the phonemes), for example\n    |1 1 ? 2 33 0 2 nihW|\u4F60\u597D\n";
+      break;
+    case kLanguageJapanese:
+      help +=
+          "(number of syllables; a digit 1 for each; where each begins in the phonemes, counted\n"
+          "from 0; the phonemes), for example\n    |1 1 ? 3 111 0 2 4 sakura|\u3055\u304F\u3089\n";
+      break;
+  }
+  return help;
+}
+
+}  // namespace veral3::tools
