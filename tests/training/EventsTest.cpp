@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "recognition/CPhonemeSet.h"
 #include "training/speech/ArpabetEvents.h"
 #include "training/speech/EnglishEvents.h"
 

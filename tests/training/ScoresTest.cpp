@@ -1,4 +1,4 @@
-#include "training/evaluate/Scores.h"
+#include "training/measure/Scores.h"
 
 #include <gmock/gmock.h>
 

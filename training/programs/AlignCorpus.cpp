@@ -16,7 +16,7 @@
 #include "signal/CWaveFrameDef.h"
 #include "training/common/ParallelFor.h"
 #include "training/corpus/CorpusFile.h"
-#include "training/evaluate/ForcedAlignment.h"
+#include "training/measure/ForcedAlignment.h"
 
 namespace veral3::training {
 namespace {

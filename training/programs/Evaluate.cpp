@@ -23,19 +23,23 @@
 #include "recognition/ViterbiAligner.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/HighPassFilter.h"
+#include "signal/Mfcc.h"
 #include "training/augment/Augment.h"
 #include "training/common/ParallelFor.h"
 #include "training/corpus/CorpusFile.h"
 #include "training/corpus/EnglishTexts.h"
-#include "training/evaluate/ForcedAlignment.h"
-#include "training/evaluate/Scores.h"
+#include "training/corpus/PhonemeBalance.h"
+#include "training/measure/ForcedAlignment.h"
+#include "training/measure/Scores.h"
 #include "training/features/UtteranceFeatures.h"
+#include "training/train/PhonemeSource.h"
 
 namespace veral3::training {
 namespace {
 
 struct Options {
   std::string frame_model;
+  std::string phoneme_model;
   std::string dictionary;
   std::string corpus;
   std::string name = "test";
@@ -107,9 +111,63 @@ class Evaluation {
     Print("aligned phonemes by frames, augmented", counts, "phonemes");
   }
 
+  // The phoneme classifier on phonemes aligned to their own labels.
+  void ClassifiedPhonemes() const {
+    ClassCounts counts(m_set.GetSize());
+    std::mutex lock;
+    ParallelFor(m_augmented.size(), m_options.threads, [&](std::size_t i) {
+      const auto result = AlignToLabels(m_augmented[i], m_set);
+      if (!result) return;
+      ClassCounts own(m_set.GetSize());
+      for (std::size_t p = 0; p < result->phonemes.size(); ++p) {
+        own.Add(m_set.GetPhonemeIndex(result->phonemes[p]), Distribution(*result, p));
+      }
+      const std::lock_guard guard(lock);
+      counts.Merge(own);
+    });
+    Print("aligned phonemes by the phoneme model, augmented", counts, "phonemes");
+  }
+
+  // Every sixth phoneme or so is said to be another of its kind, and the recording is aligned to
+  // that: how well do phoneme scores tell those from the right ones, and how many right ones score
+  // under 60?
+  void Substitutions(bool augmented) const {
+    const std::vector<Utterance>& utterances = augmented ? m_augmented : m_clean;
+    std::vector<double> right;
+    std::vector<double> wrong;
+    std::mutex lock;
+    ParallelFor(utterances.size(), m_options.threads, [&](std::size_t i) {
+      Random random(MixSeed(m_options.seed + 2000, i));
+      Utterance changed = utterances[i];
+      std::vector<char> is_changed;
+      for (PhonemeLabel& label : changed.labels) {
+        if (label.symbol == '-') continue;
+        const bool change = random.Chance(1.0 / 6) && (is_changed.empty() || !is_changed.back());
+        if (change) label.symbol = AnotherOfItsKind(label.symbol, random);
+        is_changed.push_back(change);
+      }
+      const auto result = AlignToLabels(changed, m_set);
+      if (!result) return;
+      const std::lock_guard guard(lock);
+      for (std::size_t p = 0; p < is_changed.size(); ++p) {
+        const bool beside_changed =
+            (p > 0 && is_changed[p - 1]) || (p + 1 < is_changed.size() && is_changed[p + 1]);
+        if (beside_changed) continue;
+        (is_changed[p] ? wrong : right).push_back(Score(*result, p));
+      }
+    });
+    const auto alarms = std::ranges::count_if(right, [](double s) { return s < 60.0; });
+    std::printf(
+        "%s | substituted phonemes, %s | area under curve %.4f | right ones under 60 %.4f | "
+        "%zu right, %zu wrong\n",
+        m_options.name.c_str(), augmented ? "augmented" : "clean", AreaUnderCurve(right, wrong),
+        static_cast<double>(alarms) / static_cast<double>(right.size()), right.size(),
+        wrong.size());
+  }
+
   // How far aligned phoneme starts are from the true ones, without augmentation.
   void Boundaries() const {
-    std::vector<double> distances;
+    std::vector<double> late;
     std::mutex lock;
     ParallelFor(m_clean.size(), m_options.threads, [&](std::size_t i) {
       const auto result = AlignToLabels(m_clean[i], m_set);
@@ -118,15 +176,17 @@ class Evaluation {
       const std::lock_guard guard(lock);
       for (const PhonemeLabel& label : m_clean[i].labels) {
         if (label.symbol == '-') continue;
-        distances.push_back(1000.0 * std::abs(result->phoneme_start[phoneme++] - label.start) /
-                            kSampleRate);
+        late.push_back(1000.0 * (result->phoneme_start[phoneme++] - label.start) / kSampleRate);
       }
     });
+    std::vector<double> distances;
+    for (const double one : late) distances.push_back(std::abs(one));
     const auto near = std::ranges::count_if(distances, [](double d) { return d <= 20.0; });
-    std::printf("%s | boundaries, clean | within 20 ms %.4f | median %.2f ms | %zu phonemes\n",
-                m_options.name.c_str(),
-                static_cast<double>(near) / static_cast<double>(distances.size()),
-                Median(distances), distances.size());
+    std::printf(
+        "%s | boundaries, clean | within 20 ms %.4f | median %.2f ms, late by %.2f ms | "
+        "%zu phonemes\n",
+        m_options.name.c_str(), static_cast<double>(near) / static_cast<double>(distances.size()),
+        Median(distances), Median(late), distances.size());
   }
 
   // Which of eight sentences was read: the right one and seven others.
@@ -171,6 +231,39 @@ class Evaluation {
   }
 
  private:
+  std::vector<double> Distribution(const AlignmentResult& result, std::size_t phoneme) const {
+    std::vector<float> input(kPhonemeOffsets.size() * kMfccSize);
+    AssemblePhonemeInput(result.mfcc, FrameOfSample(result.phoneme_start[phoneme]),
+                         FrameOfSample(result.phoneme_end[phoneme]), input);
+    std::vector<double> output(static_cast<std::size_t>(m_set.GetSize()));
+    PhonClassifierOf(m_set.GetIdentifier())
+        ->ClassifyPhon(input.data(), static_cast<int>(input.size()), output.data(),
+                       m_set.GetSize());
+    return output;
+  }
+
+  // As grading scores a phoneme, but not cut off at 0 and 100.
+  double Score(const AlignmentResult& result, std::size_t phoneme) const {
+    const char symbol = result.phonemes[phoneme];
+    double x =
+        Distribution(result, phoneme)[static_cast<std::size_t>(m_set.GetPhonemeIndex(symbol))];
+    for (const auto& [other, normaliser] : EnglishPhonemeFrequencies()) {
+      if (other == symbol && normaliser < 1.0) x /= normaliser * normaliser;
+    }
+    return 100.0 + 25.0 * std::log10(std::max(x, 1e-12));
+  }
+
+  char AnotherOfItsKind(char symbol, Random& random) const {
+    const bool vowel = m_set.IsVowel(static_cast<wchar_t>(symbol));
+    for (;;) {
+      const char other =
+          m_set.GetFullSet()[random.Below(static_cast<std::size_t>(m_set.GetSize()))];
+      if (other != '-' && other != symbol && m_set.IsVowel(static_cast<wchar_t>(other)) == vowel) {
+        return other;
+      }
+    }
+  }
+
   std::vector<double> PhonemeSums(std::span<const double> states) const {
     std::vector<double> sums;
     for (std::size_t s = 0; s + 2 < states.size(); s += 3) {
@@ -204,6 +297,16 @@ void Run(const Options& options) {
   evaluation.Frames();
   evaluation.AlignedPhonemes();
   evaluation.Boundaries();
+  if (!options.phoneme_model.empty()) {
+    const int phoneme_type = kPhonemeModelEnglish + options.language - kLanguageEnglish;
+    if (LoadModelFile(options.phoneme_model.c_str(), static_cast<ModelFileType>(phoneme_type)) <
+        0) {
+      throw std::runtime_error("cannot load " + options.phoneme_model);
+    }
+    evaluation.ClassifiedPhonemes();
+    evaluation.Substitutions(false);
+    evaluation.Substitutions(true);
+  }
   if (!options.dictionary.empty()) {
     evaluation.SentenceChoice(false);
     evaluation.SentenceChoice(true);
@@ -217,6 +320,7 @@ int main(int argc, char** argv) {
   veral3::training::Options options;
   CLI::App app("Measures models on synthesised voices that training never had.");
   app.add_option("--frame-model", options.frame_model, "frame model")->required();
+  app.add_option("--phoneme-model", options.phoneme_model, "phoneme model, for its figures");
   app.add_option("--dictionary", options.dictionary, "dictionary for the choice of sentences");
   app.add_option("--corpus", options.corpus, "held-out corpus")->required();
   app.add_option("--name", options.name, "what the lines printed begin with");

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
-#include "training/evaluate/Scores.h"
+#include "training/measure/Scores.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
 #include "training/train/Trainer.h"

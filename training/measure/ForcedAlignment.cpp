@@ -1,4 +1,4 @@
-#include "training/evaluate/ForcedAlignment.h"
+#include "training/measure/ForcedAlignment.h"
 
 #include <memory>
 #include <string>
