@@ -32,7 +32,7 @@ void LoadAll() {
   LoadModel("phon_zh.bin", kPhonemeModelChinese);
   LoadModel("phon_ja.bin", kPhonemeModelJapanese);
   LoadModel("tone.bin", kToneModelChinese);
-  LoadModel("good.bin", kGoodnessModel);
+  LoadModel("good.bin", kUttGoodnessModel);
 }
 
 }  // namespace
