@@ -10,8 +10,11 @@
 namespace veral3::training {
 namespace {
 
+// A path that nothing stands at.
 std::filesystem::path Scratch(const std::string& name) {
-  return std::filesystem::path(::testing::TempDir()) / ("veral3_" + name);
+  const auto path = std::filesystem::path(::testing::TempDir()) / ("veral3_" + name);
+  std::filesystem::remove_all(path);
+  return path;
 }
 
 TEST(CorpusFile, GivesBackWhatWasWritten) {
