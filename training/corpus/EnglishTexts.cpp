@@ -149,10 +149,10 @@ const Vocabulary& HeldOutVocabulary() {
                   "modern nervous ordinary peaceful rapid serious tender useful various wooden "
                   "youthful magnificent childish")},
       {'V', Split("admire borrow collect describe examine gather imagine mention notice polish "
-                  "protect recognize repair search select touch wrap deliver treasure chase")},
+                  "protect recognize repair search select touch wrap deliver cherish chase")},
       {'D', Split("admired borrowed collected described examined gathered imagined mentioned "
                   "noticed polished protected recognized repaired searched selected touched "
-                  "wrapped delivered treasured chased")},
+                  "wrapped delivered cherished chased")},
       {'G', Split("admiring borrowing collecting describing examining gathering imagining "
                   "polishing protecting repairing searching selecting touching wrapping chasing")},
       {'M', Split("Oliver Victoria Gregory Margaret Nathan Dorothy Edwin Beatrice Hector Judith")},

@@ -25,7 +25,8 @@ class EnglishTexts {
 };
 
 // Words of a dictionary file in the engine's format (or of any file with a word a line): the first
-// token of every line that begins with a letter, lower case, letters and inner apostrophes only.
+// token of every line that begins with a letter (the header's, too), lower case, letters and inner
+// apostrophes only, at least two.
 // Throws std::runtime_error when the file cannot be read.
 std::vector<std::string> ReadDictionaryWords(const std::string& path);
 

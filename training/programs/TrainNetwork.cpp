@@ -1,22 +1,32 @@
-// Trains a frame classifier and writes it as a checkpoint, and as a model file for the engine.
+// Trains a frame or phoneme classifier and writes it as a checkpoint, and as a model file for the
+// engine.
 //
-//   train-frames --features work/a.features --epochs 6 --out work/frame.net --model frame.model
-//   train-frames --features work/all.features --start work/frame.net --rate 1.2e-3 ...
+//   train-network --kind frame --features work/a.features --epochs 6 --out work/frame.net
+//       --model frame.model
+//   train-network --kind frame --features work/all.features --start work/frame.net --rate 1.2e-3
+//   ... train-network --kind phoneme --hidden 384 128 --batch 512 --dropout 0.2 --epochs 9 ...
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
+#include "training/measure/Scores.h"
 #include "training/train/FrameSource.h"
+#include "training/train/PhonemeSource.h"
 #include "training/train/Trainer.h"
 
 namespace veral3::training {
 namespace {
 
 struct Options {
+  std::string kind;
   std::vector<std::string> features;
   std::vector<std::string> test_features;
   std::string start;
@@ -25,6 +35,7 @@ struct Options {
   int version = 1;
   int language = kLanguageEnglish;
   int jitter = 2;
+  double at_least = 0.0;  // accuracy below which the program fails
   TrainOptions train;
 };
 
@@ -34,19 +45,26 @@ std::vector<FeatureFile> Open(const std::vector<std::string>& folders) {
   return files;
 }
 
-// How many frames have their phoneme most probable, by the sum of its three states.
-void PrintAccuracy(const Network& network, const CPhonemeSet& set,
-                   const std::vector<FeatureFile>& files) {
-  FrameSource source(set, files, 0);
+std::unique_ptr<ExampleSource> SourceOf(const std::string& kind, const CPhonemeSet& set,
+                                        const std::vector<FeatureFile>& files, int jitter) {
+  if (kind == "frame") return std::make_unique<FrameSource>(set, files, jitter);
+  if (kind == "phoneme") return std::make_unique<PhonemeSource>(set, files, jitter);
+  throw std::runtime_error("no such kind of network: " + kind);
+}
+
+// Prints how many examples have their phoneme most probable; a frame's phoneme by the sum of its
+// three states. Returns that share.
+double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& source) {
   Random random(1);
   source.BeginEpoch(random);
   constexpr std::uint32_t kChunk = 8192;
   const auto columns = static_cast<std::size_t>(source.NumClasses());
+  const auto states = columns / static_cast<std::size_t>(set.GetSize());
   const int pause = set.GetPhonemeIndex('-');
-  std::size_t right = 0;
-  std::size_t speech = 0;
-  std::size_t speech_right = 0;
+  ClassCounts all(set.GetSize());
+  ClassCounts speech(set.GetSize());
   std::vector<std::uint32_t> examples;
+  std::vector<double> sums(static_cast<std::size_t>(set.GetSize()));
   for (std::uint32_t first = 0; first < source.NumExamples(); first += kChunk) {
     examples.clear();
     for (std::uint32_t i = first; i < std::min<std::size_t>(first + kChunk, source.NumExamples());
@@ -58,40 +76,38 @@ void PrintAccuracy(const Network& network, const CPhonemeSet& set,
     source.Fill(examples, inputs, classes);
     const std::vector<float> scores = Classify(network, inputs);
     for (std::size_t i = 0; i < examples.size(); ++i) {
-      int best = 0;
-      float highest = -1.0f;
-      for (int p = 0; p < set.GetSize(); ++p) {
-        const float* s = &scores[i * columns + static_cast<std::size_t>(p) * 3];
-        if (const float sum = s[0] + s[1] + s[2]; sum > highest) {
-          highest = sum;
-          best = p;
-        }
+      std::ranges::fill(sums, 0.0);
+      for (std::size_t c = 0; c < columns; ++c) {
+        sums[c / states] += static_cast<double>(scores[i * columns + c]);
       }
-      const bool hit = best == classes[i] / 3;
-      right += hit;
-      if (classes[i] / 3 != pause) {
-        ++speech;
-        speech_right += hit;
-      }
+      const int truth = static_cast<int>(classes[i]) / static_cast<int>(states);
+      all.Add(truth, sums);
+      if (truth != pause) speech.Add(truth, sums);
     }
   }
-  std::printf("test: %zu frames, phoneme right %.4f; within speech %.4f\n", source.NumExamples(),
-              static_cast<double>(right) / static_cast<double>(source.NumExamples()),
-              static_cast<double>(speech_right) / static_cast<double>(speech));
+  for (const auto& [what, counts] :
+       {std::pair{"all", &all}, std::pair{"without pauses", &speech}}) {
+    std::printf("test, %s: %zu examples, top-1 %.4f, top-3 %.4f, macro F1 %.4f\n", what,
+                counts->Total(), counts->TopOne(), counts->TopThree(), counts->MacroF1());
+  }
+  return all.TopOne();
 }
 
 void Run(const Options& options) {
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
   if (set == nullptr) throw std::runtime_error("no such language");
   const std::vector<FeatureFile> files = Open(options.features);
-  FrameSource source(*set, files, options.jitter);
-  std::printf("%zu frames\n", source.NumExamples());
+  const auto source = SourceOf(options.kind, *set, files, options.jitter);
+  std::printf("%zu examples\n", source->NumExamples());
   std::optional<Network> start;
   if (!options.start.empty()) start = LoadCheckpoint(options.start);
-  const Network network = Train(options.train, source, start);
-  if (!options.test_features.empty()) PrintAccuracy(network, *set, Open(options.test_features));
-  if (!options.model.empty()) ExportModel(network, options.version, options.model);
+  const Network network = Train(options.train, *source, start);
   SaveCheckpoint(network, options.out);
+  if (!options.model.empty()) ExportModel(network, options.version, options.model);
+  if (options.test_features.empty()) return;
+  const std::vector<FeatureFile> test_files = Open(options.test_features);
+  const double accuracy = Measure(network, *set, *SourceOf(options.kind, *set, test_files, 0));
+  if (accuracy < options.at_least) throw std::runtime_error("the accuracy is too low");
 }
 
 }  // namespace
@@ -99,9 +115,11 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   veral3::training::Options options;
-  CLI::App app("Trains a frame classifier.");
+  CLI::App app("Trains a frame or phoneme classifier.");
+  app.add_option("--kind", options.kind, "frame or phoneme")->required();
   app.add_option("--features", options.features, "feature folders to learn from")->required();
   app.add_option("--test", options.test_features, "feature folders to measure on");
+  app.add_option("--at-least", options.at_least, "fail below this accuracy on the test");
   app.add_option("--start", options.start, "checkpoint to go on from");
   app.add_option("--out", options.out, "checkpoint to write")->required();
   app.add_option("--model", options.model, "model file to write for the engine");
@@ -121,7 +139,7 @@ int main(int argc, char** argv) {
   try {
     veral3::training::Run(options);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "train-frames: %s\n", error.what());
+    std::fprintf(stderr, "train-network: %s\n", error.what());
     return 1;
   }
   return 0;

@@ -1,0 +1,109 @@
+#include "training/train/Network.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "recognition/DLFrameClassifier.h"
+#include "support/MessageCapture.h"
+#include "training/common/Random.h"
+
+namespace veral3::training {
+namespace {
+
+std::string Scratch(const std::string& name) {
+  return (std::filesystem::path(::testing::TempDir()) / ("veral3_" + name)).string();
+}
+
+Network SmallNetwork() {
+  Random random(4);
+  Network network;
+  for (int i = 0; i < 5; ++i) {
+    network.input_mean.push_back(static_cast<float>(random.Normal()));
+    network.input_deviation.push_back(static_cast<float>(random.Uniform(0.5, 4.0)));
+  }
+  for (const auto& [inputs, outputs] : {std::pair{5, 7}, std::pair{7, 3}}) {
+    DenseLayer layer{inputs, outputs, {}, {}};
+    for (int k = 0; k < inputs * outputs; ++k) {
+      layer.weights.push_back(static_cast<float>(random.Normal()));
+    }
+    for (int k = 0; k < outputs; ++k) layer.bias.push_back(static_cast<float>(random.Normal()));
+    network.layers.push_back(layer);
+  }
+  return network;
+}
+
+// What the network means, in the plainest way.
+std::vector<double> Evaluate(const Network& network, std::vector<double> x) {
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    x[i] = (x[i] - static_cast<double>(network.input_mean[i])) /
+           static_cast<double>(network.input_deviation[i]);
+  }
+  for (const DenseLayer& layer : network.layers) {
+    std::vector<double> y(layer.bias.begin(), layer.bias.end());
+    for (std::size_t i = 0; i < x.size(); ++i) {
+      for (std::size_t j = 0; j < y.size(); ++j) {
+        y[j] += x[i] * static_cast<double>(layer.weights[i * y.size() + j]);
+      }
+    }
+    if (&layer != &network.layers.back()) {
+      for (double& value : y) value = std::max(value, 0.0);
+    }
+    x = y;
+  }
+  double sum = 0.0;
+  for (double& value : x) sum += value = std::exp(value);
+  for (double& value : x) value /= sum;
+  return x;
+}
+
+TEST(Export, TheEngineComputesWhatTheNetworkMeans) {
+  const Network network = SmallNetwork();
+  const std::string path = Scratch("exported.model");
+  ExportModel(network, 3, path);
+  const test::MessageCapture quiet;
+  DLFrameClassifier classifier;
+  ASSERT_EQ(classifier.LoadFromFile(path.c_str()), 3);
+  Random random(8);
+  for (int trial = 0; trial < 20; ++trial) {
+    std::vector<float> input;
+    for (int i = 0; i < 5; ++i) input.push_back(static_cast<float>(3 * random.Normal()));
+    double output[3];
+    ASSERT_EQ(classifier.ClassifyFrame(input.data(), 5, output, 3), 0);
+    const auto wanted = Evaluate(network, {input.begin(), input.end()});
+    for (std::size_t k = 0; k < 3; ++k) {
+      EXPECT_NEAR(output[k], std::max(wanted[k], 1e-6), 1e-5);
+    }
+  }
+}
+
+TEST(Export, RefusesAVersionThatIsNotPositive) {
+  EXPECT_THROW(ExportModel(SmallNetwork(), 0, Scratch("zero.model")), std::runtime_error);
+  EXPECT_THROW(ExportModel(SmallNetwork(), 1, "/no/such/folder/x"), std::runtime_error);
+}
+
+TEST(Checkpoint, GivesBackTheNetwork) {
+  const Network network = SmallNetwork();
+  const std::string path = Scratch("round.net");
+  SaveCheckpoint(network, path);
+  const Network read = LoadCheckpoint(path);
+  EXPECT_EQ(read.input_mean, network.input_mean);
+  EXPECT_EQ(read.input_deviation, network.input_deviation);
+  ASSERT_EQ(read.layers.size(), 2u);
+  EXPECT_EQ(read.layers[1].weights, network.layers[1].weights);
+  EXPECT_EQ(read.layers[0].bias, network.layers[0].bias);
+}
+
+TEST(Checkpoint, RefusesWhatIsDamaged) {
+  const std::string path = Scratch("damaged.net");
+  SaveCheckpoint(SmallNetwork(), path);
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
+  EXPECT_THROW(LoadCheckpoint(path), std::runtime_error);
+  std::filesystem::resize_file(path, 4);
+  EXPECT_THROW(LoadCheckpoint(path), std::runtime_error);
+  EXPECT_THROW(LoadCheckpoint(Scratch("missing.net")), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace veral3::training

@@ -1,0 +1,338 @@
+// Measures models on voices and sentences that training never had, and prints one line a measure.
+// Every recording is synthesised.
+//
+//   evaluate-models --frame-model resources/EnglishFrame.model --dictionary resources/KEN-...txt
+//       --corpus work/held.corpus --name "held-out espeak"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <exception>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/Messages.h"
+#include "recognition/CPhonemeSet.h"
+#include "recognition/FrameScores.h"
+#include "recognition/Models.h"
+#include "recognition/VeralDictionary.h"
+#include "recognition/ViterbiAligner.h"
+#include "signal/CWaveFrameDef.h"
+#include "signal/HighPassFilter.h"
+#include "signal/Mfcc.h"
+#include "training/augment/Augment.h"
+#include "training/common/ParallelFor.h"
+#include "training/corpus/CorpusFile.h"
+#include "training/corpus/EnglishTexts.h"
+#include "training/corpus/PhonemeBalance.h"
+#include "training/measure/ForcedAlignment.h"
+#include "training/measure/Scores.h"
+#include "training/features/UtteranceFeatures.h"
+#include "training/train/PhonemeSource.h"
+
+namespace veral3::training {
+namespace {
+
+struct Options {
+  std::string frame_model;
+  std::string phoneme_model;
+  std::string dictionary;
+  std::string corpus;
+  std::string name = "test";
+  int language = kLanguageEnglish;
+  int threads = 2;
+  int trials = 80;  // of sentence choice
+  std::uint64_t seed = 5;
+};
+
+class Evaluation {
+ public:
+  Evaluation(const Options& options, const CPhonemeSet& set) : m_options(options), m_set(set) {
+    CorpusReader reader(options.corpus);
+    while (auto utterance = reader.Next()) {
+      Random random(MixSeed(options.seed, m_clean.size()));
+      m_augmented.push_back(Augment(*utterance, AugmentOptions{}, random));
+      m_clean.push_back(*std::move(utterance));
+    }
+  }
+
+  // How many frames have their phoneme on top, by the sum of its states.
+  void Frames() const {
+    ClassCounts all(m_set.GetSize());
+    ClassCounts speech(m_set.GetSize());
+    std::mutex lock;
+    ParallelFor(m_augmented.size(), m_options.threads, [&](std::size_t i) {
+      const UtteranceFeatures features = FeaturesOf(m_augmented[i], m_set);
+      const int num_frames = NumFrames(static_cast<std::uint32_t>(m_augmented[i].samples.size()));
+      const auto columns = static_cast<std::size_t>(m_set.GetSize()) * 3;
+      std::vector<double> scores(static_cast<std::size_t>(num_frames) * columns);
+      if (ComputeFrameScores(m_set, features.mfcc, scores) < 0) return;
+      std::vector<std::uint8_t> labels(static_cast<std::size_t>(num_frames));
+      StateLabels(features.segments, num_frames, m_set.GetPhonemeIndex('-'), {}, labels);
+      ClassCounts own(m_set.GetSize());
+      ClassCounts own_speech(m_set.GetSize());
+      for (std::size_t t = 0; t < labels.size(); ++t) {
+        const auto sums = PhonemeSums(std::span(scores).subspan(t * columns, columns));
+        own.Add(labels[t] / 3, sums);
+        if (labels[t] / 3 != m_set.GetPhonemeIndex('-')) own_speech.Add(labels[t] / 3, sums);
+      }
+      const std::lock_guard guard(lock);
+      all.Merge(own);
+      speech.Merge(own_speech);
+    });
+    Print("frame phoneme accuracy, augmented", all, "frames");
+    Print("the same without pauses", speech, "frames");
+  }
+
+  // Phonemes aligned to their own labels: which has the highest mean posterior over its frames.
+  void AlignedPhonemes() const {
+    ClassCounts counts(m_set.GetSize());
+    std::mutex lock;
+    ParallelFor(m_augmented.size(), m_options.threads, [&](std::size_t i) {
+      const auto result = AlignToLabels(m_augmented[i], m_set);
+      if (!result) return;
+      ClassCounts own(m_set.GetSize());
+      for (std::size_t p = 0; p < result->phonemes.size(); ++p) {
+        std::vector<double> mean(static_cast<std::size_t>(m_set.GetSize()), 0.0);
+        for (int t = FrameOfSample(result->phoneme_start[p]);
+             t < FrameOfSample(result->phoneme_end[p]); ++t) {
+          const auto sums = PhonemeSums(result->FrameScores(t));
+          for (std::size_t c = 0; c < mean.size(); ++c) mean[c] += sums[c];
+        }
+        own.Add(m_set.GetPhonemeIndex(result->phonemes[p]), mean);
+      }
+      const std::lock_guard guard(lock);
+      counts.Merge(own);
+    });
+    Print("aligned phonemes by frames, augmented", counts, "phonemes");
+  }
+
+  // The phoneme classifier on phonemes aligned to their own labels.
+  void ClassifiedPhonemes() const {
+    ClassCounts counts(m_set.GetSize());
+    std::mutex lock;
+    ParallelFor(m_augmented.size(), m_options.threads, [&](std::size_t i) {
+      const auto result = AlignToLabels(m_augmented[i], m_set);
+      if (!result) return;
+      ClassCounts own(m_set.GetSize());
+      for (std::size_t p = 0; p < result->phonemes.size(); ++p) {
+        own.Add(m_set.GetPhonemeIndex(result->phonemes[p]), Distribution(*result, p));
+      }
+      const std::lock_guard guard(lock);
+      counts.Merge(own);
+    });
+    Print("aligned phonemes by the phoneme model, augmented", counts, "phonemes");
+  }
+
+  // Every sixth phoneme or so is said to be another of its kind, and the recording is aligned to
+  // that: how well do phoneme scores tell those from the right ones, and how many right ones score
+  // under 60?
+  void Substitutions(bool augmented) const {
+    const std::vector<Utterance>& utterances = augmented ? m_augmented : m_clean;
+    std::vector<double> right;
+    std::vector<double> wrong;
+    std::mutex lock;
+    ParallelFor(utterances.size(), m_options.threads, [&](std::size_t i) {
+      Random random(MixSeed(m_options.seed + 2000, i));
+      Utterance changed = utterances[i];
+      std::vector<char> is_changed;
+      for (PhonemeLabel& label : changed.labels) {
+        if (label.symbol == '-') continue;
+        const bool change = random.Chance(1.0 / 6) && (is_changed.empty() || !is_changed.back());
+        if (change) label.symbol = AnotherOfItsKind(label.symbol, random);
+        is_changed.push_back(change);
+      }
+      const auto result = AlignToLabels(changed, m_set);
+      if (!result) return;
+      const std::lock_guard guard(lock);
+      for (std::size_t p = 0; p < is_changed.size(); ++p) {
+        const bool beside_changed =
+            (p > 0 && is_changed[p - 1]) || (p + 1 < is_changed.size() && is_changed[p + 1]);
+        if (beside_changed) continue;
+        (is_changed[p] ? wrong : right).push_back(Score(*result, p));
+      }
+    });
+    const auto alarms = std::ranges::count_if(right, [](double s) { return s < 60.0; });
+    std::printf(
+        "%s | substituted phonemes, %s | area under curve %.4f | right ones under 60 %.4f | "
+        "%zu right, %zu wrong\n",
+        m_options.name.c_str(), augmented ? "augmented" : "clean", AreaUnderCurve(right, wrong),
+        static_cast<double>(alarms) / static_cast<double>(right.size()), right.size(),
+        wrong.size());
+  }
+
+  // How far aligned phoneme starts are from the true ones, without augmentation.
+  void Boundaries() const {
+    std::vector<double> late;
+    std::mutex lock;
+    ParallelFor(m_clean.size(), m_options.threads, [&](std::size_t i) {
+      const auto result = AlignToLabels(m_clean[i], m_set);
+      if (!result) return;
+      std::size_t phoneme = 0;
+      const std::lock_guard guard(lock);
+      for (const PhonemeLabel& label : m_clean[i].labels) {
+        if (label.symbol == '-') continue;
+        late.push_back(1000.0 * (result->phoneme_start[phoneme++] - label.start) / kSampleRate);
+      }
+    });
+    std::vector<double> distances;
+    for (const double one : late) distances.push_back(std::abs(one));
+    const auto near = std::ranges::count_if(distances, [](double d) { return d <= 20.0; });
+    std::printf(
+        "%s | boundaries, clean | within 20 ms %.4f | median %.2f ms, late by %.2f ms | "
+        "%zu phonemes\n",
+        m_options.name.c_str(), static_cast<double>(near) / static_cast<double>(distances.size()),
+        Median(distances), Median(late), distances.size());
+  }
+
+  // Which of eight sentences was read: the right one and seven others.
+  void SentenceChoice(bool one_word_changed) const {
+    const VeralDictionary dictionary(m_options.dictionary.c_str());
+    const EnglishTexts texts({});
+    const auto trials = std::min(static_cast<std::size_t>(m_options.trials), m_augmented.size());
+    std::vector<char> right(trials, 0);
+    std::vector<char> tried(trials, 0);
+    ParallelFor(trials, m_options.threads, [&](std::size_t i) {
+      Random random(MixSeed(m_options.seed + 1000, i));
+      const Utterance& utterance = m_augmented[i];
+      const int place = random.Between(0, 7);
+      std::vector<std::string> candidates;
+      while (candidates.size() < 8) {
+        std::string text = utterance.text;
+        if (static_cast<int>(candidates.size()) != place) {
+          text = one_word_changed ? EnglishTexts::WithOneWordChanged(utterance.text, random)
+                                  : texts.DrawHeldOut(random);
+          if (text == utterance.text || std::ranges::find(candidates, text) != candidates.end()) {
+            continue;
+          }
+        }
+        candidates.push_back(text);
+      }
+      ViterbiAligner aligner;
+      for (const std::string& text : candidates) {
+        WordSequence words;
+        if (dictionary.LookupSentence(CString(text), words) < 0) return;
+        aligner.AddSentence(std::move(words));
+      }
+      std::vector<std::int16_t> samples = utterance.samples;
+      HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
+      AlignmentResult result;
+      tried[i] = 1;
+      right[i] = aligner.Align(&m_set, static_cast<std::uint32_t>(samples.size()), samples.data(),
+                               result) == place;
+    });
+    std::printf("%s | right sentence of 8, %s | %td of %td\n", m_options.name.c_str(),
+                one_word_changed ? "one word changed" : "unrelated", std::ranges::count(right, 1),
+                std::ranges::count(tried, 1));
+  }
+
+ private:
+  std::vector<double> Distribution(const AlignmentResult& result, std::size_t phoneme) const {
+    std::vector<float> input(kPhonemeOffsets.size() * kMfccSize);
+    AssemblePhonemeInput(result.mfcc, FrameOfSample(result.phoneme_start[phoneme]),
+                         FrameOfSample(result.phoneme_end[phoneme]), input);
+    std::vector<double> output(static_cast<std::size_t>(m_set.GetSize()));
+    PhonClassifierOf(m_set.GetIdentifier())
+        ->ClassifyPhon(input.data(), static_cast<int>(input.size()), output.data(),
+                       m_set.GetSize());
+    return output;
+  }
+
+  // As grading scores a phoneme, but not cut off at 0 and 100.
+  double Score(const AlignmentResult& result, std::size_t phoneme) const {
+    const char symbol = result.phonemes[phoneme];
+    double x =
+        Distribution(result, phoneme)[static_cast<std::size_t>(m_set.GetPhonemeIndex(symbol))];
+    for (const auto& [other, normaliser] : EnglishPhonemeFrequencies()) {
+      if (other == symbol && normaliser < 1.0) x /= normaliser * normaliser;
+    }
+    return 100.0 + 25.0 * std::log10(std::max(x, 1e-12));
+  }
+
+  char AnotherOfItsKind(char symbol, Random& random) const {
+    const bool vowel = m_set.IsVowel(static_cast<wchar_t>(symbol));
+    for (;;) {
+      const char other =
+          m_set.GetFullSet()[random.Below(static_cast<std::size_t>(m_set.GetSize()))];
+      if (other != '-' && other != symbol && m_set.IsVowel(static_cast<wchar_t>(other)) == vowel) {
+        return other;
+      }
+    }
+  }
+
+  std::vector<double> PhonemeSums(std::span<const double> states) const {
+    std::vector<double> sums;
+    for (std::size_t s = 0; s + 2 < states.size(); s += 3) {
+      sums.push_back(states[s] + states[s + 1] + states[s + 2]);
+    }
+    return sums;
+  }
+
+  void Print(const char* what, const ClassCounts& counts, const char* unit) const {
+    std::printf("%s | %s | top-1 %.4f | top-3 %.4f | macro F1 %.4f | %zu %s\n",
+                m_options.name.c_str(), what, counts.TopOne(), counts.TopThree(), counts.MacroF1(),
+                counts.Total(), unit);
+    std::fflush(stdout);
+  }
+
+  const Options& m_options;
+  const CPhonemeSet& m_set;
+  std::vector<Utterance> m_clean;
+  std::vector<Utterance> m_augmented;
+};
+
+void Run(const Options& options) {
+  SetMessageHandler([](MessageStream, std::string_view) {});
+  const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
+  if (set == nullptr) throw std::runtime_error("no such language");
+  const int type = kFrameModelEnglish + options.language - kLanguageEnglish;
+  if (LoadModelFile(options.frame_model.c_str(), static_cast<ModelFileType>(type)) < 0) {
+    throw std::runtime_error("cannot load " + options.frame_model);
+  }
+  const Evaluation evaluation(options, *set);
+  evaluation.Frames();
+  evaluation.AlignedPhonemes();
+  evaluation.Boundaries();
+  if (!options.phoneme_model.empty()) {
+    const int phoneme_type = kPhonemeModelEnglish + options.language - kLanguageEnglish;
+    if (LoadModelFile(options.phoneme_model.c_str(), static_cast<ModelFileType>(phoneme_type)) <
+        0) {
+      throw std::runtime_error("cannot load " + options.phoneme_model);
+    }
+    evaluation.ClassifiedPhonemes();
+    evaluation.Substitutions(false);
+    evaluation.Substitutions(true);
+  }
+  if (!options.dictionary.empty()) {
+    evaluation.SentenceChoice(false);
+    evaluation.SentenceChoice(true);
+  }
+}
+
+}  // namespace
+}  // namespace veral3::training
+
+int main(int argc, char** argv) {
+  veral3::training::Options options;
+  CLI::App app("Measures models on synthesised voices that training never had.");
+  app.add_option("--frame-model", options.frame_model, "frame model")->required();
+  app.add_option("--phoneme-model", options.phoneme_model, "phoneme model, for its figures");
+  app.add_option("--dictionary", options.dictionary, "dictionary for the choice of sentences");
+  app.add_option("--corpus", options.corpus, "held-out corpus")->required();
+  app.add_option("--name", options.name, "what the lines printed begin with");
+  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  app.add_option("--threads", options.threads, "threads to work on");
+  app.add_option("--trials", options.trials, "recordings for the choice of sentences");
+  CLI11_PARSE(app, argc, argv);
+  try {
+    veral3::training::Run(options);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "evaluate-models: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}
