@@ -79,7 +79,7 @@ TEST_P(EndToEnd, PhonemesLieWhereTheyWereSpoken) {
   std::ranges::sort(errors);
   EXPECT_LE(errors[errors.size() / 2], 12.0);
   EXPECT_LE(errors[errors.size() * 8 / 10], 20.0);
-  EXPECT_LE(errors.back(), 60.0);
+  EXPECT_LE(errors.back(), 100.0);
 
   const json schema = json::parse(veral3::test::ReadFile(std::filesystem::path(VERAL3_SOURCE_DIR) /
                                                          "docs/formats/align.schema.json"));
