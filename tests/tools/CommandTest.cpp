@@ -322,6 +322,20 @@ TEST_F(Command, JobsChangeNothingInTheOutput) {
   EXPECT_EQ(one.err, four.err);
 }
 
+TEST_F(Command, LongListsShowProgressOnATerminal) {
+  std::vector<std::string> arguments = {"align",        "--lang",     "en",    "--resources",
+                                        Path("res"),    "--text",     "apple", Path("a.wav"),
+                                        Path("no.wav"), Path("a.wav")};
+  const std::string clear = "\r\x1B[K";
+  const std::string text = test::StandardErrorOnTerminal(arguments);
+  EXPECT_THAT(text, StartsWith("[0/3] "));
+  EXPECT_THAT(text, HasSubstr("a.wav" + clear + "[1/3] "));
+  EXPECT_THAT(text, HasSubstr(clear + "veral3: " + Path("no.wav") + ": does not exist\r\n[2/3] "));
+  EXPECT_THAT(text, testing::EndsWith(clear));
+  arguments.pop_back();
+  EXPECT_THAT(test::StandardErrorOnTerminal(arguments), Not(HasSubstr("[0/")));
+}
+
 TEST_F(Command, VerboseTellsWhatWasLoaded) {
   const ProcessResult result = Align({"--verbose", "--text", "apple", Path("a.wav")});
   EXPECT_EQ(result.status, 0);

@@ -15,4 +15,8 @@ struct ProcessResult {
 // Runs the `veral3` command of this build with standard input empty, and waits for its end.
 ProcessResult RunVeral3(const std::vector<std::string>& arguments);
 
+// The same with a terminal as standard error; only that is told of. What the command writes there
+// must fit the terminal's buffer (4 KB).
+std::string StandardErrorOnTerminal(const std::vector<std::string>& arguments);
+
 }  // namespace veral3::tools::test
