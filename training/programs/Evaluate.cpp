@@ -29,9 +29,9 @@
 #include "training/corpus/CorpusFile.h"
 #include "training/corpus/EnglishTexts.h"
 #include "training/corpus/PhonemeBalance.h"
+#include "training/features/UtteranceFeatures.h"
 #include "training/measure/ForcedAlignment.h"
 #include "training/measure/Scores.h"
-#include "training/features/UtteranceFeatures.h"
 #include "training/train/PhonemeSource.h"
 
 namespace veral3::training {
