@@ -7,4 +7,5 @@
 #include "common/Messages.h"
 #include "core/AlignedAudio.h"
 #include "core/AnalyzedAudio.h"
+#include "grading/GradedAudio.h"
 #include "recognition/ModelFileType.h"

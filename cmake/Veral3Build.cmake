@@ -84,6 +84,10 @@ function(veral3_add_libraries)
   install(FILES "${CMAKE_CURRENT_BINARY_DIR}/Veral3Config.cmake"
                 "${CMAKE_CURRENT_BINARY_DIR}/Veral3ConfigVersion.cmake"
           DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/Veral3" COMPONENT sdk)
+  # From its own place, so that an installation can be moved or put under another prefix.
+  file(RELATIVE_PATH VERAL3_PREFIX_FROM_PC
+    "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+  string(REGEX REPLACE "/$" "" VERAL3_PREFIX_FROM_PC "${VERAL3_PREFIX_FROM_PC}")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/veral3.pc.in"
                  "${CMAKE_CURRENT_BINARY_DIR}/veral3.pc" @ONLY)
   install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veral3.pc"

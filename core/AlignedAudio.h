@@ -71,6 +71,15 @@ class VERAL3_API AlignedAudio {
 
   virtual int GetWordPitch(int word) = 0;  // [Hz] mean over the word's syllables
 
+  // The most prominent, second and third syllable by pitch, loudness and length, for highlighting;
+  // -1 where there are fewer syllables. Of equals the later one counts for pitch, the earlier one
+  // for loudness and length. Null arguments are passed over.
+  void FindHighPitchSyallbles(int* first, int* second, int* third);
+  void FindHighIntensitySyallbles(int* first, int* second, int* third);
+  void FindLongDurationSyallbles(int* first, int* second, int* third);
+
+  int GetUttAveragePitch();  // [Hz] mean over the syllables, cut to a whole number; 0 without any
+
  protected:
   ~AlignedAudio() = default;
 };

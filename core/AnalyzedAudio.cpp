@@ -1,15 +1,23 @@
 #include "core/AnalyzedAudio.h"
 
+#include <algorithm>
 #include <exception>
 #include <limits>
-#include <string_view>
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "common/MessageWriter.h"
 #include "core/AnalysisState.h"
+#include "core/ModelScorers.h"
 #include "recognition/Dictionaries.h"
 #include "recognition/Models.h"
+#include "signal/CWaveFrameDef.h"
+#include "signal/FramePitch.h"
 #include "signal/HighPassFilter.h"
+#include "signal/NoiseReduction.h"
+#include "signal/SignalNoiseRatio.h"
+#include "signal/WaveformContour.h"
 
 namespace {
 
@@ -43,6 +51,8 @@ bool IsUsable(const AnalysisState* state, const char* operation) {
   return false;
 }
 
+bool IsKnownLanguage(const AnalysisState* state) { return state && state->phoneme_set; }
+
 // Counts are ints throughout; 27 hours of sound fit.
 bool IsUsable(std::uint32_t num_samples, const std::int16_t* samples, const char* operation) {
   if (num_samples > static_cast<std::uint32_t>(std::numeric_limits<int>::max())) {
@@ -55,6 +65,53 @@ bool IsUsable(std::uint32_t num_samples, const std::int16_t* samples, const char
     return false;
   }
   return true;
+}
+
+// A new alignment makes everything measured before it obsolete.
+void ForgetMeasurements(AnalysisState& state) {
+  if (state.pronunciation) state.earlier_pronunciation = std::move(state.pronunciation);
+  if (state.prosody) {
+    state.earlier_energy_ratio = state.prosody->intensity.speech_to_utterance;
+  }
+  state.pronunciation = nullptr;
+  state.prosody = nullptr;
+  state.goodness = nullptr;
+  state.waveform = nullptr;
+  state.signal_noise_ratio = 0.0;
+  state.num_samples = 0;
+  state.result = std::make_shared<AlignmentResult>();
+}
+
+bool IsAligned(const AnalysisState& state, const std::int16_t* samples, const char* operation) {
+  if (!state.result || state.result->matched_sentence_index < 0) {
+    Message(MessageStream::kError)
+        << "ERROR in AnalyzedAudio::" << operation << "(), nothing is aligned\n";
+    return false;
+  }
+  return IsUsable(static_cast<std::uint32_t>(state.num_samples), samples, operation);
+}
+
+std::span<const std::int16_t> SamplesOf(const AnalysisState& state, const std::int16_t* samples) {
+  return {samples, static_cast<std::size_t>(state.num_samples)};
+}
+
+double SignalNoiseRatioOf(const AnalysisState& state, std::span<const std::int16_t> samples) {
+  const AlignmentResult& result = *state.result;
+  return veral3::SignalNoiseRatio(samples,
+                                  std::span(result.phoneme_start).first(result.phonemes.size()),
+                                  std::span(result.phoneme_end).first(result.phonemes.size()));
+}
+
+std::shared_ptr<const veral3::PronunciationResult> Pronounce(const AnalysisState& state) {
+  static const veral3::PronunciationResult none;
+  const auto& before = state.pronunciation ? state.pronunciation : state.earlier_pronunciation;
+  const auto* classifier = veral3::PhonClassifierOf(state.phoneme_set->GetIdentifier());
+  return std::make_shared<veral3::PronunciationResult>(veral3::AnalyzePronunciation(
+      *state.phoneme_set, *state.result, veral3::ScorerOf(classifier), before ? *before : none));
+}
+
+double EarlierEnergyRatio(const AnalysisState& state) {
+  return state.prosody ? state.prosody->intensity.speech_to_utterance : state.earlier_energy_ratio;
 }
 
 // Aligns with `aligner` and puts the outcome into `state`. Of a failed alignment only the best
@@ -143,10 +200,8 @@ int AnalyzedAudio::AddPossibleSentence(CString sentence) {
 int AnalyzedAudio::Align(std::uint32_t num_samples, std::int16_t* samples) {
   return Guarded("Align", [&] {
     if (!IsUsable(m_state.get(), "Align") || !IsUsable(num_samples, samples, "Align")) return -1;
-    ReleaseMemory();
     AnalysisState& state = *m_state;
-    state.result = std::make_shared<AlignmentResult>();
-    state.num_samples = 0;
+    ForgetMeasurements(state);
     if (num_samples != 0) {
       veral3::HighPassFilter(samples, static_cast<int>(num_samples), kHighPassCutoff,
                              kHighPassRate);
@@ -175,11 +230,115 @@ int AnalyzedAudio::AlignAgainstTutor(const AnalyzedAudio* tutor, std::uint32_t n
       return -1;
     }
     if (!IsUsable(num_samples, samples, "AlignAgainstTutor")) return -1;
-    ReleaseMemory();
-    m_state->result = std::make_shared<AlignmentResult>();
-    m_state->num_samples = 0;
+    // The tutor may be this object: its sentences stay.
+    ForgetMeasurements(*m_state);
     return AlignWith(tutor->m_state->aligner, *m_state, num_samples, samples);
   });
 }
 
-void AnalyzedAudio::ReleaseMemory() {}
+int AnalyzedAudio::Analyze(std::uint32_t, std::int16_t* samples) {
+  return Guarded("Analyze", [&] {
+    if (!IsUsable(m_state.get(), "Analyze") || !IsAligned(*m_state, samples, "Analyze")) return -1;
+    AnalysisState& state = *m_state;
+    const veral3::ModelsInUse models_in_use;
+    const AlignmentResult& result = *state.result;
+    const auto sound = SamplesOf(state, samples);
+
+    auto pronunciation = Pronounce(state);
+    std::vector<std::int32_t> frame_pitch(static_cast<std::size_t>(result.num_frames));
+    veral3::CalculateFramePitch(sound.data(), static_cast<std::uint32_t>(sound.size()),
+                                frame_pitch);
+    auto prosody = std::make_shared<veral3::ProsodyResult>(veral3::AnalyzeProsody(
+        state.language, result, sound, std::move(frame_pitch),
+        veral3::ScorerOf(veral3::ToneClassifier()), EarlierEnergyRatio(state)));
+    auto goodness = std::make_shared<veral3::GoodnessResult>(
+        veral3::MarkBadSyllables(state.language, result, *prosody));
+    auto waveform = std::make_shared<std::array<int, veral3::kWaveformPoints>>(
+        veral3::WaveformContour(sound, GetUttStartSampleNum(), GetUttEndSampleNum()));
+
+    state.pronunciation = std::move(pronunciation);
+    state.prosody = std::move(prosody);
+    state.goodness = std::move(goodness);
+    state.waveform = std::move(waveform);
+    CalculateSignalNoiseRatio(samples);
+    return 0;
+  });
+}
+
+int AnalyzedAudio::AnalyzePronunOnly(std::int16_t* samples) {
+  return Guarded("AnalyzePronunOnly", [&] {
+    if (!IsUsable(m_state.get(), "AnalyzePronunOnly") ||
+        !IsAligned(*m_state, samples, "AnalyzePronunOnly")) {
+      return -1;
+    }
+    AnalysisState& state = *m_state;
+    const veral3::ModelsInUse models_in_use;
+    auto pronunciation = Pronounce(state);
+    auto prosody = std::make_shared<veral3::ProsodyResult>(veral3::ProsodyOf(&state));
+    prosody->intensity = veral3::MeasureIntensity(*state.result, SamplesOf(state, samples),
+                                                  EarlierEnergyRatio(state));
+    auto goodness = std::make_shared<veral3::GoodnessResult>(
+        veral3::MarkBadSyllablesPronunOnly(state.language, *state.result, prosody->intensity));
+    state.pronunciation = std::move(pronunciation);
+    state.prosody = std::move(prosody);
+    state.goodness = std::move(goodness);
+    CalculateSignalNoiseRatio(samples);
+    return 0;
+  });
+}
+
+double AnalyzedAudio::CalculateSignalNoiseRatio(const std::int16_t* samples) {
+  Guarded("CalculateSignalNoiseRatio", [&] {
+    if (!IsUsable(m_state.get(), "CalculateSignalNoiseRatio") ||
+        !IsAligned(*m_state, samples, "CalculateSignalNoiseRatio")) {
+      return -1;
+    }
+    if (!(m_state->signal_noise_ratio > 0.0)) {
+      m_state->signal_noise_ratio = SignalNoiseRatioOf(*m_state, SamplesOf(*m_state, samples));
+    }
+    return 0;
+  });
+  return GetSignalNoiseRatio();
+}
+
+void AnalyzedAudio::PrepareUttGoodnessFeatures(double* features) {
+  Guarded("PrepareUttGoodnessFeatures", [&] {
+    if (!features) {
+      Message(MessageStream::kError)
+          << "ERROR in AnalyzedAudio::PrepareUttGoodnessFeatures(), no features\n";
+      return -1;
+    }
+    const auto prepared = veral3::PrepareGoodnessFeatures(
+        GetLanguageType(), veral3::AlignmentOf(State()), veral3::ProsodyOf(State()).intensity,
+        veral3::PronunciationOf(State()), veral3::GoodnessOf(State()));
+    static_assert(prepared.size() == NUM_UTT_GOODNESS_FEATURES);
+    if (IsKnownLanguage(State())) std::copy(prepared.begin(), prepared.end(), features);
+    return 0;
+  });
+}
+
+double AnalyzedAudio::GetProbOfGoodAlignment() {
+  double probability = 0.0;
+  Guarded("GetProbOfGoodAlignment", [&] {
+    if (!IsUsable(m_state.get(), "GetProbOfGoodAlignment")) return -1;
+    const veral3::ModelsInUse models_in_use;
+    veral3::GoodnessFeatures features{};
+    PrepareUttGoodnessFeatures(features.data());
+    probability = veral3::ProbabilityOfGoodAlignment(
+        features, veral3::ScorerOf(veral3::GoodnessClassifier()));
+    return 0;
+  });
+  return probability;
+}
+
+int AnalyzedAudio::NoiseReduction(std::int16_t* samples, std::uint32_t num_samples, int policy) {
+  return Guarded("NoiseReduction",
+                 [&] { return veral3::NoiseReduction(samples, num_samples, policy); });
+}
+
+void AnalyzedAudio::ReleaseMemory() {
+  if (!m_state || !m_state->prosody) return;
+  m_state->earlier_energy_ratio = m_state->prosody->intensity.speech_to_utterance;
+  m_state->prosody = nullptr;
+  m_state->goodness = nullptr;
+}

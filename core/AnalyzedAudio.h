@@ -72,6 +72,15 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   int AlignAgainstTutor(const AnalyzedAudio* tutor, std::uint32_t num_samples,
                         std::int16_t* samples);
 
+  // Measures the recording just aligned: pronunciation, pitch, timing, loudness, contours.
+  // `samples`: the buffer that the alignment was given, as it left it; its length is the one given
+  // then. Returns 0, or -1 when there is no alignment. A model that is not loaded is reported, and
+  // what it would have told reads 0.
+  int Analyze(std::uint32_t num_samples, std::int16_t* samples);
+
+  // The same without pitch, timing and contours: what grading the pronunciation alone needs.
+  int AnalyzePronunOnly(std::int16_t* samples);
+
   double GetLogProbOfAlign();     // of the best path, natural logarithm
   int GetMatchedSentenceIndex();  // 0-based; -1 before an alignment
   CString GetWordOfMatchedSentence(int word);
@@ -83,7 +92,41 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   double GetPhonMFCCProb(int phon);
   double GetPauseMFCCProb(int gap);
 
-  // Forgets what the analysis measured; the alignment stays.
+  // What each phoneme sounds like by the phoneme classifier: the symbols, one a phoneme
+  // (zero-terminated, owned by the object), and their shares of the probability.
+  const char* GetSoundsLikePhonemes();
+  double GetSoundsLikePhonProb(int phon);
+
+  // A phoneme's probabilities in the order of the phoneme set, 64 values of which those beyond the
+  // set are 0. Owned by the object; all 0 for a phoneme that has none.
+  const double* GetPhonProbDistrArry(int phon);
+
+  // Goodness of a syllable, 0 to 1: below 1 after a noise in an unlikely pause, or for a broken
+  // pitch.
+  double ProbGoodSyllable(int syl);
+
+  int GetSylNumOfPitchSegments(int syl);
+  double GetSpeechUttEnergyRatio();  // energy of the syllables / of the whole recording
+
+  // Power of speech / power of what lies around it, not in dB; 0 until computed, and where the
+  // surroundings are silent. Computed once an alignment.
+  double CalculateSignalNoiseRatio(const std::int16_t* samples);
+  double GetSignalNoiseRatio();
+
+  // Writes the NUM_UTT_GOODNESS_FEATURES inputs of the goodness classifier.
+  void PrepareUttGoodnessFeatures(double* features);
+
+  // Probability that the recording is a reading of the sentence at all; 0 without a model.
+  double GetProbOfGoodAlignment();
+
+  static constexpr int NUM_UTT_GOODNESS_FEATURES = 16;
+
+  // Suppresses steady noise in place, before an alignment. `policy`: 0 (mild) to 3 (strong).
+  // Returns 1, or -1 with a message and the samples unchanged.
+  static int NoiseReduction(std::int16_t* samples, std::uint32_t num_samples, int policy);
+
+  // Forgets what the analysis measured frame by frame and syllable by syllable; the alignment, the
+  // pronunciation and the waveform contour stay.
   void ReleaseMemory();
 
   LanguageType GetLanguageType() override;

@@ -1,4 +1,6 @@
+#include <array>
 #include <span>
+#include <vector>
 
 #include "core/AnalysisState.h"
 #include "core/AnalyzedAudio.h"
@@ -6,20 +8,27 @@
 // The read side of AnalyzedAudio. Every index is checked against what the last alignment holds.
 namespace {
 
+using veral3::AlignmentOf;
 using veral3::AlignmentResult;
+using veral3::GoodnessOf;
+using veral3::PronunciationOf;
+using veral3::ProsodyOf;
 
-const AlignmentResult& ResultOf(const veral3::AnalysisState* state) {
-  static const AlignmentResult empty;
-  return state && state->result ? *state->result : empty;
+// The value at `index` of the first `count`, 0 outside.
+template <typename T>
+T At(std::span<const T> values, int index, int count) {
+  if (index < 0 || index >= count || static_cast<std::size_t>(index) >= values.size()) return T{};
+  return values[static_cast<std::size_t>(index)];
 }
 
-// The value at `index` of the first `count`, `otherwise` outside.
 template <typename T>
-T At(std::span<const T> values, int index, int count, T otherwise = T{}) {
-  if (index < 0 || index >= count || static_cast<std::size_t>(index) >= values.size()) {
-    return otherwise;
-  }
-  return values[static_cast<std::size_t>(index)];
+T At(std::span<const T> values, int index) {
+  return At(values, index, static_cast<int>(values.size()));
+}
+
+template <typename T>
+T At(const std::vector<T>& values, int index) {
+  return At(std::span<const T>(values), index);
 }
 
 template <std::size_t n>
@@ -27,18 +36,14 @@ int At(const std::array<std::int32_t, n>& values, int index, int count) {
   return At(std::span<const std::int32_t>(values), index, count);
 }
 
-double At(const std::vector<double>& values, int index) {
-  return At(std::span<const double>(values), index, static_cast<int>(values.size()));
-}
-
 }  // namespace
 
-double AnalyzedAudio::GetLogProbOfAlign() { return ResultOf(State()).log_probability; }
+double AnalyzedAudio::GetLogProbOfAlign() { return AlignmentOf(State()).log_probability; }
 
-int AnalyzedAudio::GetMatchedSentenceIndex() { return ResultOf(State()).matched_sentence_index; }
+int AnalyzedAudio::GetMatchedSentenceIndex() { return AlignmentOf(State()).matched_sentence_index; }
 
 CString AnalyzedAudio::GetWordOfMatchedSentence(int word) {
-  const AlignmentResult& result = ResultOf(State());
+  const AlignmentResult& result = AlignmentOf(State());
   if (word < 0 || static_cast<std::size_t>(word) >= result.words.size()) return {};
   return result.words[static_cast<std::size_t>(word)];
 }
@@ -48,18 +53,18 @@ int AnalyzedAudio::GetSizeOfPhonemeSet() {
 }
 
 double AnalyzedAudio::GetPhonMFCCProb(int phon) {
-  return At(ResultOf(State()).phoneme_mfcc_prob, phon);
+  return At(AlignmentOf(State()).phoneme_mfcc_prob, phon);
 }
 
 double AnalyzedAudio::GetPauseMFCCProb(int gap) {
-  return At(ResultOf(State()).pause_mfcc_prob, gap);
+  return At(AlignmentOf(State()).pause_mfcc_prob, gap);
 }
 
 LanguageType AnalyzedAudio::GetLanguageType() {
   return State() ? State()->language : LanguageType{};
 }
 
-const char* AnalyzedAudio::GetPhonemes() { return ResultOf(State()).phonemes.c_str(); }
+const char* AnalyzedAudio::GetPhonemes() { return AlignmentOf(State()).phonemes.c_str(); }
 
 CString AnalyzedAudio::GetMatchedSentence() {
   const int index = GetMatchedSentenceIndex();
@@ -69,19 +74,19 @@ CString AnalyzedAudio::GetMatchedSentence() {
 
 int AnalyzedAudio::GetNumOfSamples() { return State() ? State()->num_samples : 0; }
 
-int AnalyzedAudio::GetNumOfPhonemes() { return ResultOf(State()).NumPhonemes(); }
+int AnalyzedAudio::GetNumOfPhonemes() { return AlignmentOf(State()).NumPhonemes(); }
 
-int AnalyzedAudio::GetNumOfSyllables() { return ResultOf(State()).num_syllables; }
+int AnalyzedAudio::GetNumOfSyllables() { return AlignmentOf(State()).num_syllables; }
 
-int AnalyzedAudio::GetNumOfWords() { return ResultOf(State()).num_words; }
+int AnalyzedAudio::GetNumOfWords() { return AlignmentOf(State()).num_words; }
 
 int AnalyzedAudio::GetPhonemeStartSampleNum(int phon) {
-  const AlignmentResult& result = ResultOf(State());
+  const AlignmentResult& result = AlignmentOf(State());
   return At(result.phoneme_start, phon, result.NumPhonemes());
 }
 
 int AnalyzedAudio::GetPhonemeEndSampleNum(int phon) {
-  const AlignmentResult& result = ResultOf(State());
+  const AlignmentResult& result = AlignmentOf(State());
   return At(result.phoneme_end, phon, result.NumPhonemes());
 }
 
@@ -91,27 +96,84 @@ int AnalyzedAudio::GetUttStartSampleNum() { return GetPhonemeStartSampleNum(0); 
 int AnalyzedAudio::GetUttEndSampleNum() { return GetPhonemeEndSampleNum(GetNumOfPhonemes() - 1); }
 
 int AnalyzedAudio::GetSyllableStartPosition(int syl) {
-  const AlignmentResult& result = ResultOf(State());
+  const AlignmentResult& result = AlignmentOf(State());
   return At(result.syllable_start, syl, result.num_syllables);
 }
 
 int AnalyzedAudio::GetWordStartPosition(int word) {
-  const AlignmentResult& result = ResultOf(State());
+  const AlignmentResult& result = AlignmentOf(State());
   return At(result.word_start, word, result.num_words);
 }
 
 int AnalyzedAudio::GetSyllableToneOrStress(int syl) {
-  const AlignmentResult& result = ResultOf(State());
+  const AlignmentResult& result = AlignmentOf(State());
   return At(result.syllable_mark, syl, result.num_syllables);
 }
 
-// Prosody is not measured yet.
-int AnalyzedAudio::GetSyllablePitch(int) { return 0; }
-double AnalyzedAudio::GetSylToneProb(int, int) { return 0.0; }
-int AnalyzedAudio::GetSyllableDuration(int) { return 0; }
-double AnalyzedAudio::GetSyllableIntensity(int) { return 0.0; }
-int AnalyzedAudio::GetUttNumOfPitchSegments() { return 0; }
-int AnalyzedAudio::GetWaveY(int) { return 0; }
-int AnalyzedAudio::GetPitchContour(int) { return 0; }
-int AnalyzedAudio::GetIntensityContour(int) { return 0; }
-int AnalyzedAudio::GetWordPitch(int) { return 0; }
+const char* AnalyzedAudio::GetSoundsLikePhonemes() {
+  return PronunciationOf(State()).phonemes.sounds_like.c_str();
+}
+
+double AnalyzedAudio::GetSoundsLikePhonProb(int phon) {
+  return At(PronunciationOf(State()).phonemes.sounds_like_prob, phon);
+}
+
+const double* AnalyzedAudio::GetPhonProbDistrArry(int phon) {
+  static constexpr std::array<double, veral3::kDistributionWidth> kNone{};
+  const auto row = PronunciationOf(State()).phonemes.Row(phon);
+  return row.size() < kNone.size() ? kNone.data() : row.data();
+}
+
+double AnalyzedAudio::ProbGoodSyllable(int syl) {
+  return At(GoodnessOf(State()).good_syllable, syl);
+}
+
+int AnalyzedAudio::GetSylNumOfPitchSegments(int syl) {
+  const auto& segments = ProsodyOf(State()).pitch.segments;
+  if (syl < 0 || static_cast<std::size_t>(syl) >= segments.size()) return 0;
+  return segments[static_cast<std::size_t>(syl)].segments;
+}
+
+double AnalyzedAudio::GetSpeechUttEnergyRatio() {
+  return ProsodyOf(State()).intensity.speech_to_utterance;
+}
+
+double AnalyzedAudio::GetSignalNoiseRatio() { return State() ? State()->signal_noise_ratio : 0.0; }
+
+int AnalyzedAudio::GetSyllablePitch(int syl) { return At(ProsodyOf(State()).pitch.syllable, syl); }
+
+double AnalyzedAudio::GetSylToneProb(int syl, int tone) {
+  const auto& tones = ProsodyOf(State()).pitch.tones;
+  if (syl < 0 || static_cast<std::size_t>(syl) >= tones.size()) return 0.0;
+  if (tone < 0 || tone >= veral3::kToneClassCount) return 0.0;
+  return tones[static_cast<std::size_t>(syl)][static_cast<std::size_t>(tone)];
+}
+
+int AnalyzedAudio::GetSyllableDuration(int syl) {
+  return At(ProsodyOf(State()).syllable_duration, syl);
+}
+
+double AnalyzedAudio::GetSyllableIntensity(int syl) {
+  return At(ProsodyOf(State()).intensity.syllable, syl);
+}
+
+int AnalyzedAudio::GetUttNumOfPitchSegments() {
+  return ProsodyOf(State()).utterance_pitch_segments;
+}
+
+int AnalyzedAudio::GetWaveY(int i) {
+  return State() && State()->waveform ? At(std::span<const int>(*State()->waveform), i) : 0;
+}
+
+int AnalyzedAudio::GetPitchContour(int i) {
+  return At(std::span<const int>(ProsodyOf(State()).pitch_contour), i);
+}
+
+int AnalyzedAudio::GetIntensityContour(int i) {
+  return At(std::span<const int>(ProsodyOf(State()).intensity_contour), i);
+}
+
+int AnalyzedAudio::GetWordPitch(int word) {
+  const auto& prosody = ProsodyOf(State());
+  return veral3::WordPitch(prosody.words, prosody.pitch.syllable, word);
+}

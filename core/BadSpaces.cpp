@@ -24,8 +24,8 @@ std::vector<std::int32_t> CountInGaps(const AlignmentResult& alignment, int num_
   gaps.front() = count_in(0, UtteranceStart(alignment));
   for (int s = 1; s < num_syllables; ++s) {
     const int phoneme = phoneme_after(s);
-    gaps[static_cast<std::size_t>(s)] =
-        count_in(PhonemeEnd(alignment, phoneme - 1), PhonemeStart(alignment, phoneme));
+    gaps[static_cast<std::size_t>(s)] = count_in(
+        PhonemeEnd(alignment, phoneme > 0 ? phoneme - 1 : -1), PhonemeStart(alignment, phoneme));
   }
   gaps.back() = count_in(UtteranceEnd(alignment), ToInt(std::int64_t{num_frames} * kFrameShift));
   return gaps;

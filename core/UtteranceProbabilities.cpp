@@ -1,30 +1,31 @@
 #include "core/UtteranceProbabilities.h"
 
-#include <cmath>
+#include <span>
 #include <vector>
 
 #include "core/Finite.h"
 #include "core/SyllableSpans.h"
+#include "recognition/MfccProbabilities.h"
 
 namespace veral3 {
+namespace {
 
-double GeometricMean(std::span<const double> values) {
-  if (values.empty()) return 1.0;
-  double product = 1.0;
-  for (const double value : values) product *= value;
-  return FiniteOrZero(std::pow(product, 1.0 / static_cast<double>(values.size())));
+double MeanOf(std::span<const double> values) {
+  return FiniteOrZero(GeometricMean(values, 0, static_cast<int>(values.size())));
 }
 
+}  // namespace
+
 UtteranceProbabilities CalculateUtteranceProbabilities(const AlignmentResult& alignment) {
-  const std::span<const double> posterior(alignment.path_posterior);
   std::vector<double> syllables;
   for (const FrameSpan span : SyllableSpans(alignment)) {
-    syllables.push_back(GeometricMean(Slice(posterior, span)));
+    syllables.push_back(MeanOf(Slice(std::span<const double>(alignment.path_posterior), span)));
   }
-  const std::span<const double> phonemes(alignment.phoneme_mfcc_prob);
   UtteranceProbabilities result;
-  if (!syllables.empty()) result.by_syllable = GeometricMean(syllables);
-  if (!phonemes.empty()) result.by_phoneme = GeometricMean(phonemes);
+  if (!syllables.empty()) result.by_syllable = MeanOf(syllables);
+  if (!alignment.phoneme_mfcc_prob.empty()) {
+    result.by_phoneme = MeanOf(alignment.phoneme_mfcc_prob);
+  }
   return result;
 }
 

@@ -1,17 +1,13 @@
 #pragma once
 
-#include <span>
-
 #include "recognition/AlignmentResult.h"
 
-// How well a whole utterance matches the models that aligned it.
 namespace veral3 {
 
-// The product to the power 1 / count: 1.0 of nothing, 0 where the product underflows.
-double GeometricMean(std::span<const double> values);
-
-// Geometric means over the utterance, 0 without syllables or phonemes: of the path posterior's
-// means over the frames of each syllable, and of the phonemes' MFCC probabilities.
+// How well a whole utterance matches the models that aligned it: geometric means of the path
+// posterior's means over the frames of each syllable (1.0 for a syllable without frames), and of
+// the phonemes' MFCC probabilities. 0 without syllables or phonemes, and where a product underflows
+// or, which no probabilities do, overflows.
 struct UtteranceProbabilities {
   double by_syllable = 0.0;
   double by_phoneme = 0.0;

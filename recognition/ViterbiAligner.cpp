@@ -35,7 +35,7 @@ void ReportForeignPhonemes(const DecodingNetwork& network,
   std::set<std::tuple<int, int, int>> reported;
   for (std::size_t i = DecodingNetwork::kFirstPhonemeNode; i < network.nodes.size(); i += 3) {
     const ViterbiNode& node = network.nodes[i];
-    if (set.GetPhonemeIndex(node.phoneme) >= 0) continue;
+    if (node.word < 0 || set.GetPhonemeIndex(node.phoneme) >= 0) continue;
     if (!reported.insert({node.word_sentence, node.word, node.variant}).second) continue;
     const veral3::WordEntry& entry =
         sentences[static_cast<std::size_t>(node.word_sentence)][node.word];

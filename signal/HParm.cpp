@@ -173,16 +173,18 @@ bool CanConvert(ParmKind from, ParmKind to) {
   const ParmKind to_base = BaseParmKind(to);
   if (from_base > kAnon || to_base > kAnon) return false;
   if ((to & kHasAccs) && !(to & kHasDelta)) return false;  // made from the first derivatives
-  return (kSources[to_base] >> from_base & 1U) != 0;
+  return (static_cast<unsigned>(kSources[to_base]) >> from_base & 1U) != 0;
 }
 
 void SetUpForCoding(MemHeap& heap, IOConfigRec& config, std::int32_t frame_size) {
+  // Vectors of an earlier set-up may be gone with their heap.
+  config.s = config.a = config.k = config.fbank = config.c = Vector();
+  config.r = ShortVec();
+  config.fbInfo = FBankInfo();
+  config.window = config.lifter = config.cosines = ConstVector();
   LogRecord("At the beginning of SetUpForCoding", config);
   config.s = CreateVector(heap, frame_size);
   config.r = CreateShortVec(heap, frame_size);
-  config.a = config.k = config.fbank = config.c = Vector();
-  config.fbInfo = FBankInfo();
-  config.window = config.lifter = config.cosines = ConstVector();
   config.curPK = BaseParmKind(config.tgtPK);
   config.style = StyleOf(config.tgtPK);
   switch (config.style) {

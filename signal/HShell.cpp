@@ -25,7 +25,7 @@ std::deque<ConfParam>& AllConfig() {
   return all;
 }
 
-std::string Format(const char* format, std::va_list args) {
+[[gnu::format(printf, 1, 0)]] std::string Format(const char* format, std::va_list args) {
   std::va_list again;
   va_copy(again, args);
   const int length = std::vsnprintf(nullptr, 0, format, args);

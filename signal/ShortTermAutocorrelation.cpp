@@ -1,8 +1,9 @@
 #include "signal/ShortTermAutocorrelation.h"
 
 #include <algorithm>
-#include <cmath>
 #include <numbers>
+
+#include "signal/PortableSine.h"
 
 namespace veral3 {
 namespace {
@@ -31,7 +32,8 @@ ShortTermAutocorrelation::ShortTermAutocorrelation(int half_length)
 
   for (std::size_t i = 0; i < piece_length; ++i) {
     const double phase = (static_cast<double>(i) + 0.5) / static_cast<double>(piece_length);
-    m_window[i] = 0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * phase);
+    const double sine = QuarterSine(std::numbers::pi * std::min(phase, 1.0 - phase));
+    m_window[i] = sine * sine;  // (1 - cos(2 pi phase)) / 2
   }
   std::copy(m_window.begin(), m_window.end(), m_signal.begin());
   Correlate();

@@ -6,6 +6,8 @@
 #include <numbers>
 #include <utility>
 
+#include "signal/PortableSine.h"
+
 namespace veral3 {
 namespace {
 
@@ -16,9 +18,10 @@ using Lanes = std::array<double, kLanes>;
 // cos(a + b) = 2 cos(b) cos(a) - cos(a - b).
 class CosineSeries {
  public:
-  // Starts at j = 1..4.
+  // Starts at j = 1..4. 0 < angle <= pi.
   explicit CosineSeries(double angle) {
-    const double c1 = std::cos(angle);
+    const double half_sine = QuarterSine(0.5 * angle);
+    const double c1 = 1.0 - 2.0 * half_sine * half_sine;
     const double c2 = 2.0 * c1 * c1 - 1.0;
     const double c3 = 2.0 * c1 * c2 - c1;
     const double c4 = 2.0 * c2 * c2 - 1.0;
@@ -92,7 +95,8 @@ double SincInterpolate(std::span<const double> symmetric, double lag) {
   // The k-th value has the sign (-1)^k, so the j-th one (-1)^(depth - j).
   const double alternating = (sum[0] - sum[1]) + (sum[2] - sum[3]);
   const double sign = depth % 2 != 0 ? 1.0 : -1.0;
-  return sign * alternating * std::sin(std::numbers::pi * phi) / (2.0 * std::numbers::pi);
+  const double sine = QuarterSine(std::numbers::pi * std::min(phi, 1.0 - phi));
+  return sign * alternating * sine / (2.0 * std::numbers::pi);
 }
 
 LagMaximum RefineMaximum(std::span<const double> symmetric, int lag) {

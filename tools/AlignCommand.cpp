@@ -88,39 +88,50 @@ CLI::App* AddAlignCommand(CLI::App& app, AlignOptions& options) {
   CLI::App* align = app.add_subcommand(
       "align",
       "Finds where in a recording each word, syllable and phoneme of a sentence is spoken");
-  align->add_option("FILE", options.files,
-                    "Recordings: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, of any "
-                    "rate and number of channels, up to 15 minutes each");
-  align->add_option("--lang", options.language, "Language of the sentence: en, zh or ja")
+  align
+      ->add_option("FILE", options.files,
+                   "Recordings: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, of any "
+                   "rate and number of channels, up to 15 minutes each")
+      ->type_name("");
+  align->add_option("--lang", options.language, "Language of the sentence")
       ->check(CLI::IsMember({"en", "zh", "ja"}))
+      ->type_name("CODE")
       ->required();
   align
       ->add_option("--text", options.texts,
                    "The sentence that was read; with several (up to 8), the one that fits best is "
                    "found")
-      ->allow_extra_args(false);
-  align->add_option("--text-file", options.text_file,
-                    "UTF-8 file with candidate sentences, one a line");
-  align->add_option("--list", options.list,
-                    "UTF-8 file with a recording a line: path (from the list's folder), tab, "
-                    "sentence; further candidates behind further tabs");
+      ->allow_extra_args(false)
+      ->type_name("SENTENCE");
   align
-      ->add_option("--format", options.format,
-                   "table (default), json, textgrid, ctm, csv or audacity")
-      ->check(CLI::IsMember({"table", "json", "textgrid", "ctm", "csv", "audacity"}));
+      ->add_option("--text-file", options.text_file,
+                   "UTF-8 file with candidate sentences, one a line")
+      ->type_name("TXT");
+  align
+      ->add_option("--list", options.list,
+                   "UTF-8 file with a recording a line: path (from the list's folder), tab, "
+                   "sentence; further candidates behind further tabs")
+      ->type_name("TSV");
+  align->add_option("--format", options.format, "Form of the result (default table)")
+      ->check(CLI::IsMember({"table", "json", "textgrid", "ctm", "csv", "audacity"}))
+      ->type_name("FORMAT");
   align
       ->add_option("--tier", options.tier,
-                   "words, syllables or phonemes: what ctm and audacity hold (default words), and "
-                   "csv (default all)")
-      ->check(CLI::IsMember({"words", "syllables", "phonemes"}));
-  align->add_option("--output", options.output,
-                    "File for the result, or folder (ending in / if it is new) for one file a "
-                    "recording; without it standard output");
-  align->add_option(
-      "--resources", options.resources,
-      "Folder of dictionaries and models (default: share/veral3 of the installation)");
+                   "What ctm and audacity hold (default words), and csv (default all)")
+      ->check(CLI::IsMember({"words", "syllables", "phonemes"}))
+      ->type_name("TIER");
+  align
+      ->add_option("--output", options.output,
+                   "File for the result, or folder (ending in / if it is new) for one file a "
+                   "recording; without it standard output")
+      ->type_name("PATH");
+  align
+      ->add_option("--resources", options.resources,
+                   "Folder of dictionaries and models (default: share/veral3 of the installation)")
+      ->type_name("FOLDER");
   align->add_option("--jobs", options.jobs, "Recordings aligned at the same time (default 1)")
-      ->check(CLI::Range(1, 256));
+      ->check(CLI::Range(1, 256))
+      ->type_name("N");
   align->add_flag("--skip-unknown", options.skip_unknown,
                   "Pass over words that the dictionary lacks instead of stopping");
   align->add_flag("--verbose", options.verbose, "Tell what was loaded");

@@ -42,9 +42,13 @@ AlignmentReport Align(const AlignJob& job, LanguageType language, std::string& m
   const int matched =
       audio.Align(static_cast<std::uint32_t>(recording->samples.size()), recording->samples.data());
   if (matched < 0 || static_cast<std::size_t>(matched) >= job.sentences.size()) {
-    return Failed(job, "cannot be aligned: " + engine.OneLine() + " (" +
-                           Fixed(Seconds(static_cast<int>(recording->samples.size())), 3) +
-                           " s; a recording too short for its sentence fits none)");
+    std::string error = "cannot be aligned: " + engine.OneLine();
+    if (error.find("No Sentence matched") != std::string::npos) {
+      error += " (the recording, " +
+               Fixed(Seconds(static_cast<int>(recording->samples.size())), 3) +
+               " s, may be too short for the sentence)";
+    }
+    return Failed(job, std::move(error));
   }
   messages += engine.Text();
   return MakeReport(job.file, job.sentences[static_cast<std::size_t>(matched)], audio);

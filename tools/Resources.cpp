@@ -7,6 +7,7 @@
 #include "recognition/Dictionaries.h"
 #include "tools/EngineMessages.h"
 #include "tools/Languages.h"
+#include "tools/ModelCheck.h"
 
 namespace veral3::tools {
 namespace {
@@ -69,6 +70,10 @@ Result<std::string> LoadResources(const std::filesystem::path& folder, LanguageT
                                         " cannot be used: " + messages.OneLine());
   }
   const std::filesystem::path model = folder / files.frame_model;
+  if (const std::string problem = ModelProblem(model); !problem.empty()) {
+    return Result<std::string>::Failure("the model " + model.string() +
+                                        " cannot be used: " + problem);
+  }
   if (AnalyzedAudio::LoadModelFile(model.c_str(), files.frame_model_type) < 0) {
     return Result<std::string>::Failure("the model " + model.string() +
                                         " cannot be used: " + messages.OneLine());

@@ -10,6 +10,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 #include "recognition/keras/Exp.h"
@@ -25,22 +26,23 @@ using V = hn::Vec<D>;
 constexpr std::size_t kLanes = HWY_MAX_BYTES / sizeof(double);
 constexpr std::size_t kVectors = kPanel / kLanes;  // of a panel
 
-// How many sums are kept in registers: 32 registers with AVX-512, 16 otherwise.
+// A tile of the result: as many rows times panels as have their sums in registers, of which there
+// are 32 with AVX-512 and 16 otherwise.
 #if HWY_TARGET == HWY_AVX3
 constexpr const char* kName = "AVX-512";
-constexpr std::size_t kBlockRows = 8;   // rows x one panel, for inputs without zeros
-constexpr std::size_t kTilePanels = 8;  // one row x panels, for inputs with many zeros
+constexpr std::size_t kTileRows = 4;
+constexpr std::size_t kTilePanels = 2;
 #elif HWY_TARGET == HWY_AVX2
 constexpr const char* kName = "AVX2";
-constexpr std::size_t kBlockRows = 3;
-constexpr std::size_t kTilePanels = 3;
+constexpr std::size_t kTileRows = 2;
+constexpr std::size_t kTilePanels = 1;
 #else
 #if HWY_TARGET == HWY_SSE4
 constexpr const char* kName = "SSE4";
 #else
 constexpr const char* kName = "baseline";
 #endif
-constexpr std::size_t kBlockRows = 1;
+constexpr std::size_t kTileRows = 1;
 constexpr std::size_t kTilePanels = 1;
 #endif
 
@@ -54,141 +56,109 @@ HWY_INLINE void Finish(V sum, const double* bias, bool relu, double* out) {
   hn::Store(value, d, out);
 }
 
-// kRows rows times one panel, all inputs.
-template <std::size_t kRows>
-HWY_NOINLINE void DenseBlock(const PackedDense& layer, std::size_t panel, const Rows& in,
-                             const Rows& out, std::size_t first, bool relu) {
+// One tile: the sums over the listed inputs.
+template <std::size_t kRows, std::size_t kPanels>
+HWY_NOINLINE void Tile(const PackedDense& layer, const std::uint32_t* list, std::size_t listed,
+                       const Rows& in, const Rows& out, std::size_t first, std::size_t panel,
+                       bool relu) {
+  constexpr std::size_t kSums = kPanels * kVectors;  // of a row
   const D d;
   const double* in_rows[kRows];
   for (std::size_t r = 0; r < kRows; ++r) in_rows[r] = in[first + r];
-  V sums[kRows][kVectors];
+  V sums[kRows][kSums];
   for (std::size_t r = 0; r < kRows; ++r) {
-    for (std::size_t v = 0; v < kVectors; ++v) sums[r][v] = hn::Zero(d);
+    for (std::size_t s = 0; s < kSums; ++s) sums[r][s] = hn::Zero(d);
   }
-  const double* weights = layer.Panel(panel);
-  for (std::size_t i = 0; i < layer.inputs; ++i, weights += kPanel) {
-    V weight[kVectors];
-    for (std::size_t v = 0; v < kVectors; ++v) weight[v] = hn::Load(d, weights + v * kLanes);
+  const double* const weights = layer.Panel(panel);
+  const std::size_t panel_size = layer.inputs * kPanel;
+  for (std::size_t n = 0; n < listed; ++n) {
+    const std::size_t i = list[n];
+    V weight[kSums];
+    for (std::size_t s = 0; s < kSums; ++s) {
+      weight[s] =
+          hn::Load(d, weights + s / kVectors * panel_size + i * kPanel + s % kVectors * kLanes);
+    }
     for (std::size_t r = 0; r < kRows; ++r) {
       const V x = hn::Set(d, in_rows[r][i]);
-      for (std::size_t v = 0; v < kVectors; ++v) {
-        sums[r][v] = hn::Add(sums[r][v], hn::Mul(weight[v], x));
+      for (std::size_t s = 0; s < kSums; ++s) {
+        sums[r][s] = hn::Add(sums[r][s], hn::Mul(weight[s], x));
       }
     }
   }
   for (std::size_t r = 0; r < kRows; ++r) {
-    for (std::size_t v = 0; v < kVectors; ++v) {
-      const std::size_t j = panel * kPanel + v * kLanes;
-      Finish(sums[r][v], layer.bias.data() + j, relu, out[first + r] + j);
+    for (std::size_t s = 0; s < kSums; ++s) {
+      const std::size_t j = panel * kPanel + s * kLanes;
+      Finish(sums[r][s], layer.bias.data() + j, relu, out[first + r] + j);
     }
   }
 }
 
-// One row times kPanels panels, only the inputs that are not zero.
-template <std::size_t kPanels>
-HWY_NOINLINE void SparseTile(const PackedDense& layer, std::size_t panel, const double* values,
-                             const std::int64_t* places, std::size_t count, double* out,
-                             bool relu) {
-  constexpr std::size_t kSums = kPanels * kVectors;
-  const D d;
-  V sums[kSums];
-  for (std::size_t s = 0; s < kSums; ++s) sums[s] = hn::Zero(d);
-  const std::size_t panel_size = layer.inputs * kPanel;
-  const double* const weights = layer.Panel(panel);
-  for (std::size_t n = 0; n < count; ++n) {
-    const V x = hn::Set(d, values[n]);
-    const double* weight = weights + places[n];
-    for (std::size_t p = 0; p < kPanels; ++p) {
-      for (std::size_t v = 0; v < kVectors; ++v) {
-        sums[p * kVectors + v] =
-            hn::Add(sums[p * kVectors + v], hn::Mul(hn::Load(d, weight + v * kLanes), x));
-      }
-      weight += panel_size;
-    }
-  }
-  for (std::size_t s = 0; s < kSums; ++s) {
-    const std::size_t j = panel * kPanel + s * kLanes;
-    Finish(sums[s], layer.bias.data() + j, relu, out + j);
-  }
-}
-
-// Calls Block for kRows, or for as many as are left.
-template <std::size_t kRows>
-HWY_INLINE void DenseRest(const PackedDense& layer, std::size_t panel, const Rows& in,
-                          const Rows& out, std::size_t first, bool relu) {
+// kTileRows rows, or kRows at the end.
+template <std::size_t kPanels, std::size_t kRows = kTileRows>
+HWY_INLINE void TileOfRows(std::size_t rows, const PackedDense& layer, const std::uint32_t* list,
+                           std::size_t listed, const Rows& in, const Rows& out, std::size_t first,
+                           std::size_t panel, bool relu) {
   if constexpr (kRows > 0) {
-    if (in.count - first == kRows) {
-      DenseBlock<kRows>(layer, panel, in, out, first, relu);
+    if (rows == kRows) {
+      Tile<kRows, kPanels>(layer, list, listed, in, out, first, panel, relu);
     } else {
-      DenseRest<kRows - 1>(layer, panel, in, out, first, relu);
+      TileOfRows<kPanels, kRows - 1>(rows, layer, list, listed, in, out, first, panel, relu);
     }
   }
 }
 
-template <std::size_t kPanels>
-HWY_INLINE void SparseRest(const PackedDense& layer, std::size_t panel, const double* values,
-                           const std::int64_t* places, std::size_t count, double* out, bool relu) {
-  if constexpr (kPanels > 0) {
-    if (layer.panels - panel == kPanels) {
-      SparseTile<kPanels>(layer, panel, values, places, count, out, relu);
-    } else {
-      SparseRest<kPanels - 1>(layer, panel, values, places, count, out, relu);
-    }
-  }
-}
-
-inline void ForwardDense(const PackedDense& layer, const Rows& in, const Rows& out, bool relu) {
-  for (std::size_t panel = 0; panel < layer.panels; ++panel) {
-    std::size_t first = 0;
-    for (; first + kBlockRows <= in.count; first += kBlockRows) {
-      DenseBlock<kBlockRows>(layer, panel, in, out, first, relu);
-    }
-    DenseRest<kBlockRows - 1>(layer, panel, in, out, first, relu);
-  }
-}
-
-inline void ForwardSparse(const PackedDense& layer, const Rows& in, const Rows& out, bool relu,
-                          DenseScratch& scratch) {
-  scratch.values.resize(std::max(scratch.values.size(), layer.inputs));
-  scratch.places.resize(std::max(scratch.places.size(), layer.inputs));
-  double* const values = scratch.values.data();
-  std::int64_t* const places = scratch.places.data();
-  for (std::size_t n = 0; n < in.count; ++n) {
-    const double* const row = in[n];
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < layer.inputs; ++i) {
-      values[count] = row[i];
-      places[count] = static_cast<std::int64_t>(i * kPanel);
-      count += row[i] != 0.0;  // NaN is not zero
-    }
-    std::size_t panel = 0;
-    for (; panel + kTilePanels <= layer.panels; panel += kTilePanels) {
-      SparseTile<kTilePanels>(layer, panel, values, places, count, out[n], relu);
-    }
-    SparseRest<kTilePanels - 1>(layer, panel, values, places, count, out[n], relu);
-  }
-}
-
-inline std::size_t CountZeros(const Rows& rows, std::size_t width) {
+// Lists the inputs that are not zero in every one of the rows first .. end - 1 (NaN is not zero),
+// or all inputs when none may be skipped. Returns how many they are.
+inline std::size_t ListInputs(const PackedDense& layer, const Rows& in, std::size_t first,
+                              std::size_t end, std::uint32_t* list) {
   const D d;
-  std::size_t zeros = 0;
-  for (std::size_t n = 0; n < rows.count; ++n) {
-    std::size_t i = 0;
-    for (; i + kLanes <= width; i += kLanes) {
-      zeros += hn::CountTrue(d, hn::Eq(hn::LoadU(d, rows[n] + i), hn::Zero(d)));
+  std::size_t listed = 0;
+  for (std::size_t begin = 0; begin < layer.inputs; begin += 64) {
+    const std::size_t count = std::min<std::size_t>(64, layer.inputs - begin);
+    std::uint64_t wanted = 0;  // bit i: input begin + i
+    if (!layer.finite) wanted = ~std::uint64_t{0} >> (64 - count);
+    for (std::size_t n = first; n < end && layer.finite; ++n) {
+      const double* const inputs = in[n] + begin;
+      std::size_t i = 0;
+      for (; i + kLanes <= count; i += kLanes) {
+        std::uint8_t bits[8] = {};
+        // Not Ne, which is false for NaN with some instruction sets.
+        const auto zero = hn::Eq(hn::LoadU(d, inputs + i), hn::Zero(d));
+        hn::StoreMaskBits(d, hn::Not(zero), bits);
+        wanted |= std::uint64_t{bits[0]} << i;
+      }
+      for (; i < count; ++i) wanted |= std::uint64_t{inputs[i] != 0.0} << i;
     }
-    for (; i < width; ++i) zeros += rows[n][i] == 0.0;
+    for (; wanted != 0; wanted &= wanted - 1) {
+      list[listed++] =
+          static_cast<std::uint32_t>(begin) + static_cast<std::uint32_t>(std::countr_zero(wanted));
+    }
   }
-  return zeros;
+  return listed;
 }
 
 inline void Forward(const PackedDense& layer, const Rows& in, const Rows& out, bool relu,
                     DenseScratch& scratch) {
-  // Running through a list costs about as much as computing with half of the inputs being zero.
-  if (layer.finite && 2 * CountZeros(in, layer.inputs) > in.count * layer.inputs) {
-    ForwardSparse(layer, in, out, relu, scratch);
-  } else {
-    ForwardDense(layer, in, out, relu);
+  const std::size_t groups = (in.count + kTileRows - 1) / kTileRows;
+  scratch.lists.resize(std::max(scratch.lists.size(), groups * layer.inputs));
+  scratch.listed.resize(std::max(scratch.listed.size(), groups));
+  for (std::size_t g = 0; g < groups; ++g) {
+    scratch.listed[g] =
+        ListInputs(layer, in, g * kTileRows, std::min((g + 1) * kTileRows, in.count),
+                   scratch.lists.data() + g * layer.inputs);
+  }
+  // The weights of a few panels stay in the cache while all rows pass.
+  for (std::size_t panel = 0; panel < layer.panels; panel += kTilePanels) {
+    for (std::size_t g = 0; g < groups; ++g) {
+      const std::size_t first = g * kTileRows;
+      const std::size_t rows = std::min(kTileRows, in.count - first);
+      const std::uint32_t* const list = scratch.lists.data() + g * layer.inputs;
+      if (panel + kTilePanels <= layer.panels) {
+        TileOfRows<kTilePanels>(rows, layer, list, scratch.listed[g], in, out, first, panel, relu);
+      } else {
+        TileOfRows<1>(rows, layer, list, scratch.listed[g], in, out, first, panel, relu);
+      }
+    }
   }
 }
 

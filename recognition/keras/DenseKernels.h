@@ -4,17 +4,16 @@
 #include <cstdint>
 #include <vector>
 
-#include "recognition/keras/AlignedVector.h"
 #include "recognition/keras/PackedDense.h"
 
 // Dense layers evaluated on many inputs at once, with vector instructions. A lane holds one output:
 // each output is still summed over the inputs in index order in one accumulator, products and sums
 // unfused, so the results are those of DenseReference bit for bit, whatever the instruction set.
 //
-// Where many inputs are zero (hidden activations after a relu) the kernels run through the others
-// only. A zero input adds +0.0 or -0.0 to a sum that is never -0.0 (it starts at +0.0), so leaving
-// it out changes no bit, provided that all weights are finite; with other weights nothing is
-// skipped.
+// Rows go through in small groups of neighbours; inputs that are zero in all of a group (hidden
+// activations after a relu, which neighbouring frames share) are skipped. A zero input adds +0.0 or
+// -0.0 to a sum that is never -0.0 (it starts at +0.0), so leaving it out changes no bit, provided
+// that all weights are finite; with other weights nothing is skipped.
 namespace keras {
 
 // Rows of doubles of one width; row n starts at data + n * stride.
@@ -27,8 +26,8 @@ struct Rows {
 
 // What the kernels need besides inputs and outputs; reused between calls, one thread at a time.
 struct DenseScratch {
-  AlignedVector<double> values;        // the inputs of a row that are not zero
-  AlignedVector<std::int64_t> places;  // where their weights start in a panel
+  std::vector<std::uint32_t> lists;  // for each group of rows: the inputs that are not skipped
+  std::vector<std::size_t> listed;   // how many they are
 };
 
 // The kernels of one instruction set.

@@ -195,7 +195,8 @@ void KerasModel::run_dense_chain(const double* inputs, std::size_t count, std::s
   for (const std::unique_ptr<Layer>& layer : m_layers) {
     widest = std::max(widest, static_cast<std::size_t>(layer->get_output_units()));
   }
-  const std::size_t stride = (widest + kPanel - 1) / kPanel * kPanel;
+  // Whole panels, an odd number of them: rows must not all fall into the same cache lines.
+  const std::size_t stride = ((widest + kPanel - 1) / kPanel | 1) * kPanel;
   for (AlignedVector<double>& rows : workspace.rows) {
     rows.resize(std::max(rows.size(), stride * std::min(count, kChunk)));
   }

@@ -20,6 +20,8 @@ class LayerConv2D final : public Layer {
   // -1 also when the kernels are shallower than the input has channels.
   int evaluate(Tensor& tensor, LayerBuffer& buffer) const override;
 
+  char activation() const { return m_activation; }
+
  private:
   static constexpr char kSame = 's';
   static constexpr char kValid = 'v';  // reported at each evaluation, computed as kSame

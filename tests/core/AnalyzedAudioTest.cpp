@@ -9,6 +9,7 @@
 
 #include "support/MessageCapture.h"
 #include "support/SmallEngine.h"
+#include "support/Vectors.h"
 
 namespace veral3 {
 namespace {
@@ -306,7 +307,18 @@ TEST_F(AnalyzedAudioTest, ModelTypeThatNamesNoModelComesBack) {
     EXPECT_EQ(AnalyzedAudio::LoadModelFile("/nonexistent", static_cast<ModelFileType>(type)), type);
   }
   EXPECT_TRUE(m_messages.Entries().empty());
-  EXPECT_EQ(AnalyzedAudio::LoadModelFile("/nonexistent", kToneModelChinese), -1);
+}
+
+TEST_F(AnalyzedAudioTest, ModelThatDoesNotLoadLeavesNone) {
+  EXPECT_EQ(AnalyzedAudio::LoadModelFile("/nonexistent", kFrameModelJapanese), -1);
+  AnalyzedAudio audio(kLanguageJapanese);
+  audio.AddPossibleSentence(L"\u3055\u304F\u3089");
+  Samples samples = test::ChainRecording("ja_learner");
+  EXPECT_EQ(Align(audio, samples), -1);
+  const std::string model = test::VectorPath("models/frame_ja.bin");
+  EXPECT_GE(AnalyzedAudio::LoadModelFile(model.c_str(), kFrameModelJapanese), 0);
+  samples = test::ChainRecording("ja_learner");
+  EXPECT_EQ(Align(audio, samples), 0);
 }
 
 TEST_F(AnalyzedAudioTest, OneRecordingOneResult) {

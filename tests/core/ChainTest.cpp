@@ -78,6 +78,55 @@ TEST_P(Chain, Aligns) {
   }
 }
 
+// Whole numbers that follow from the samples alone are exact; those that go through the classifiers
+// are as close as those are.
+TEST_P(Chain, Analyses) {
+  AnalyzedAudio audio(static_cast<LanguageType>(m_case["language"].get<int>()));
+  for (const json& sentence : m_case["sentences"]) {
+    audio.AddPossibleSentence(sentence.get<std::string>().c_str());
+  }
+  const auto count = static_cast<std::uint32_t>(m_samples.size());
+  ASSERT_GE(audio.Align(count, m_samples.data()), 0);
+  ASSERT_EQ(audio.Analyze(count, m_samples.data()), 0);
+
+  EXPECT_EQ(audio.GetSoundsLikePhonemes(), m_expected["sounds_like"].get<std::string>());
+  for (int i = 0; i < audio.GetNumOfPhonemes(); ++i) {
+    ExpectNear(audio.GetSoundsLikePhonProb(i),
+               m_expected["sounds_like_prob"][static_cast<std::size_t>(i)]);
+  }
+  for (int i = 0; i < audio.GetNumOfSyllables(); ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    EXPECT_NEAR(audio.GetSyllablePitch(i), m_expected["syl_pitch"][at].get<int>(), 2) << i;
+    EXPECT_EQ(audio.GetSyllableDuration(i), m_expected["duration"][at]) << i;
+    EXPECT_EQ(audio.GetSyllableIntensity(i), m_expected["syl_intensity"][at].get<double>()) << i;
+    EXPECT_EQ(audio.GetSylNumOfPitchSegments(i), m_expected["segments"][at]) << i;
+    ExpectNear(audio.ProbGoodSyllable(i), m_expected["good_syllable"][at]);
+    if (m_expected["tone_prob"].is_null()) continue;
+    for (int tone = 0; tone < 5; ++tone) {
+      EXPECT_NEAR(audio.GetSylToneProb(i, tone),
+                  m_expected["tone_prob"][at][static_cast<std::size_t>(tone)].get<double>(), 0.02)
+          << i << " " << tone;
+    }
+  }
+  ExpectNear(audio.GetSpeechUttEnergyRatio(), m_expected["energy_ratio"]);
+  ExpectNear(audio.GetSignalNoiseRatio(), m_expected["snr"]);
+  EXPECT_EQ(audio.GetUttNumOfPitchSegments(), m_expected["utt_segments"]);
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_EQ(audio.GetWaveY(i), m_expected["wave"][static_cast<std::size_t>(i)]) << i;
+  }
+  for (int i = 0; i < 128; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    EXPECT_NEAR(audio.GetPitchContour(i), m_expected["pitch_contour"][at].get<int>(), 3) << i;
+    EXPECT_EQ(audio.GetIntensityContour(i), m_expected["intensity_contour"][at]) << i;
+  }
+  double features[AnalyzedAudio::NUM_UTT_GOODNESS_FEATURES];
+  audio.PrepareUttGoodnessFeatures(features);
+  for (std::size_t i = 0; i < std::size(features); ++i) {
+    ExpectNear(features[i], m_expected["goodness_features"][i]);
+  }
+  ExpectNear(audio.GetProbOfGoodAlignment(), m_expected["goodness"]);
+}
+
 INSTANTIATE_TEST_SUITE_P(Recordings, Chain,
                          testing::Combine(testing::Values(0, 1, 2),
                                           testing::Values("learner", "tutor")));

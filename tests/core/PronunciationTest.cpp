@@ -2,10 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <map>
+
 #include "core/Alignments.h"
 #include "core/BadSpaces.h"
 #include "core/BadSyllables.h"
 #include "core/Goodness.h"
+#include "core/ModelScorers.h"
+#include "core/SyllableSpans.h"
+#include "support/MessageCapture.h"
 #include "support/Vectors.h"
 
 namespace veral3 {
@@ -46,6 +52,39 @@ TEST_P(PronunciationVectors, UtteranceProbabilitiesMatch) {
   const UtteranceProbabilities result = CalculateUtteranceProbabilities(m_alignment);
   ExpectNear({result.by_syllable, result.by_phoneme},
              {m_case.at("utt_syl_prob"), m_case.at("utt_phon_prob")}, m_rel_tol);
+}
+
+TEST_P(PronunciationVectors, DistributionsMatch) {
+  static const std::map<LanguageType, std::string> kModels = {{kLanguageEnglish, "phon_en.bin"},
+                                                              {kLanguageChinese, "phon_zh.bin"},
+                                                              {kLanguageJapanese, "phon_ja.bin"}};
+  const test::MessageCapture messages;
+  DLPhonClassifier classifier;
+  ASSERT_GE(classifier.LoadFromFile(test::VectorPath("models/" + kModels.at(m_language)).c_str()),
+            0);
+  const CPhonemeSet& set = *PhonemeSetOf(m_language);
+  const PronunciationResult result =
+      AnalyzePronunciation(set, m_alignment, ScorerOf(&classifier), {});
+  EXPECT_EQ(result.phonemes.sounds_like, m_case.at("sounds_like").get<std::string>());
+  ExpectNear(result.phonemes.sounds_like_prob, m_case.at("sounds_like_prob"),
+             m_case.at("distr_rel_tol"));
+  const auto distributions = m_case.at("distr").get<std::vector<Doubles>>();
+  for (std::size_t i = 0; i < distributions.size(); ++i) {
+    const auto row = result.phonemes.Row(static_cast<int>(i)).first(distributions[i].size());
+    ExpectNear({row.begin(), row.end()}, distributions[i], m_case.at("distr_rel_tol"));
+  }
+
+  // Each phoneme scored for itself: the same bits.
+  for (int i = 0; i < m_alignment.NumPhonemes(); ++i) {
+    std::array<float, kPhonemeInputSize> input;
+    AssemblePhonemeInput(m_alignment.mfcc, FramesOfPhonemes(m_alignment, {i, i}), input);
+    Doubles alone(static_cast<std::size_t>(set.GetSize()));
+    ASSERT_EQ(classifier.ClassifyPhon(input.data(), static_cast<int>(input.size()), alone.data(),
+                                      set.GetSize()),
+              0);
+    const auto row = result.phonemes.Row(i).first(alone.size());
+    EXPECT_EQ(Doubles(row.begin(), row.end()), alone);
+  }
 }
 
 TEST_P(PronunciationVectors, LoudGapsMatch) {
@@ -90,6 +129,12 @@ TEST_P(PronunciationVectors, GoodnessFeaturesMatch) {
   const GoodnessFeatures features =
       PrepareGoodnessFeatures(m_language, m_alignment, intensity, pronunciation, goodness);
   ExpectNear({features.begin(), features.end()}, m_case.at("goodness_features"), m_rel_tol);
+
+  const test::MessageCapture messages;
+  UGClassifier classifier;
+  ASSERT_GE(classifier.LoadFromFile(test::VectorPath("models/good.bin").c_str()), 0);
+  ExpectNear({ProbabilityOfGoodAlignment(features, ScorerOf(classifier))}, {m_case.at("goodness")},
+             m_rel_tol);
 }
 
 INSTANTIATE_TEST_SUITE_P(Pronunciation, PronunciationVectors, testing::Range(0, 18));

@@ -2,12 +2,18 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "recognition/AlignerCases.h"
+#include "recognition/FrameScores.h"
+#include "recognition/Models.h"
+#include "signal/Mfcc.h"
 #include "support/MessageCapture.h"
+#include "support/Vectors.h"
 
 namespace veral3 {
 namespace {
@@ -218,6 +224,55 @@ TEST(ViterbiAligner, RefusesBadRecordings) {
             "ERROR in ViterbiAligner::Align(), fewer samples than one frame\n"
             "ERROR in ViterbiAligner::Align(), fewer samples than one frame\n"
             "ERROR in ViterbiAligner::Align(), too many samples\n");
+}
+
+std::vector<std::int16_t> Hum(int num_samples) {
+  std::vector<std::int16_t> samples(static_cast<std::size_t>(num_samples));
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    const double t = static_cast<double>(i);
+    samples[i] = static_cast<std::int16_t>(4000 * std::sin(t * (0.05 + t * 2e-6)));
+  }
+  return samples;
+}
+
+TEST(ViterbiAligner, RecordingGoesThroughFeaturesAndFrameScores) {
+  test::MessageCapture capture;
+  ASSERT_GE(LoadModelFile(test::VectorPath("models/frame_ja.bin").c_str(), kFrameModelJapanese), 0);
+  const ViterbiAligner aligner =
+      Aligner({Sentence({Word(L"KA", {"ka"})}), Sentence({Word(L"TE", {"te"})})});
+  const std::vector<std::int16_t> samples = Hum(22050);
+  AlignmentResult result;
+  const int answer = aligner.Align(&Japanese(), 22050, samples.data(), result);
+  EXPECT_GE(answer, 0);
+
+  AlignmentResult by_hand;
+  by_hand.num_frames = 98;
+  by_hand.score_columns = 78;
+  by_hand.frame_scores.resize(98 * 78);
+  const std::vector<float> mfcc = ComputeMfcc(samples.data(), 22050);
+  ASSERT_EQ(ComputeFrameScores(Japanese(), mfcc, by_hand.frame_scores), 0);
+  EXPECT_EQ(aligner.AlignScores(Japanese(), by_hand), answer);
+  EXPECT_EQ(result.num_samples, 22050);
+  EXPECT_EQ(result.num_frames, 98);
+  EXPECT_EQ(result.mfcc, mfcc);
+  EXPECT_EQ(result.frame_scores, by_hand.frame_scores);
+  EXPECT_EQ(result.log_probability, by_hand.log_probability);
+  EXPECT_EQ(result.phoneme_start, by_hand.phoneme_start);
+  EXPECT_EQ(result.phoneme_end, by_hand.phoneme_end);
+}
+
+TEST(ViterbiAligner, WithoutAFrameModel) {
+  test::MessageCapture capture;
+  LoadModelFile("/nowhere/there.bin", kFrameModelJapanese);  // leaves the classifier empty
+  const ViterbiAligner aligner = Aligner({Sentence({Word(L"KA", {"ka"})})});
+  const std::vector<std::int16_t> samples = Hum(5510);
+  capture.Clear();
+  AlignmentResult result;
+  EXPECT_EQ(aligner.Align(&Japanese(), 5510, samples.data(), result), -1);
+  EXPECT_NE(capture.StandardError(), "");
+  EXPECT_EQ(result.matched_sentence_index, -1);
+  ASSERT_GE(LoadModelFile(test::VectorPath("models/frame_ja.bin").c_str(), kFrameModelJapanese), 0);
+  EXPECT_EQ(aligner.Align(&Japanese(), 5510, samples.data(), result), 0) << "usable as before";
 }
 
 TEST(ViterbiAligner, PhonemesThatTheSetLacks) {

@@ -36,6 +36,27 @@ const Language kEnglishFile = {
     124000,
     130900};
 
+const Language kChineseFile = {
+    "KCN-UTF8Order.txt",
+    "TW_KCP",
+    "ao@EMRiuU()bpmfdtnlgkhjqxZCSrzcs",
+    {{'<', "Uan"}, {'J', "un"},  {'A', "an"},  {'B', "in"},  {'D', "iM"},  {'F', "UE"},
+     {'G', "ia"},  {'H', "uaM"}, {'I', "oM"},  {'K', "uai"}, {'L', "ua"},  {'M', "@M"},
+     {'N', "@n"},  {'O', "ou"},  {'P', "aM"},  {'Q', "iE"},  {'T', "iaM"}, {'V', "iou"},
+     {'W', "au"},  {'X', "ioM"}, {'Y', "iai"}, {'[', "uo"},  {']', "io"},  {'e', "Ei"},
+     {'v', "iEn"}, {'w', "iau"}, {'y', "ai"},  {'{', "uan"}, {'}', "u@i"}},
+    "12345",
+    78000,
+    78000};
+
+const Language kJapaneseFile = {"KJP-UTF8Order.txt",
+                                "JP_KJP",
+                                "aeioubpdtXYgkfhcsCrjZzmnw",
+                                {{'M', "n"}, {'N', "n"}},
+                                "1",
+                                90000,
+                                110000};
+
 struct Reading {
   std::string phonemes;
   std::vector<int> marks;
@@ -176,7 +197,8 @@ TEST_P(DictionaryFiles, TheEngineFindsEveryWordWithThesePronunciations) {
   EXPECT_EQ(messages.Entries().size(), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, DictionaryFiles, testing::Values(kEnglishFile),
+INSTANTIATE_TEST_SUITE_P(Languages, DictionaryFiles,
+                         testing::Values(kEnglishFile, kChineseFile, kJapaneseFile),
                          [](const auto& param_info) { return param_info.param.tag; });
 
 TEST(EnglishDictionaryFile, ReadsEveryNumberAloud) {
@@ -190,6 +212,91 @@ TEST(EnglishDictionaryFile, ReadsEveryNumberAloud) {
             0);
   EXPECT_EQ(words.Count(), 28 + 3 + 5 + 4 + 10);
   EXPECT_EQ(messages.Entries().size(), 1U) << messages.All();
+}
+
+struct ExpectedWord {
+  const wchar_t* word;
+  std::vector<std::string> phonemes;  // of the alternatives
+  std::vector<int> marks;
+  std::vector<int> starts;  // of the canonical one
+};
+
+void ExpectWords(const std::string& file, const std::vector<ExpectedWord>& words) {
+  const test::MessageCapture messages;
+  const VeralDictionary dictionary((std::string(VERAL3_SOURCE_DIR) + "/resources/" + file).c_str());
+  for (const ExpectedWord& expected : words) {
+    SCOPED_TRACE(Utf8FromWide(expected.word));
+    const auto entry = dictionary.LookupWord(expected.word);
+    ASSERT_NE(entry, nullptr);
+    std::vector<std::string> phonemes;
+    for (const Pronunciation& one : entry->Entry().pronunciations) {
+      phonemes.emplace_back(one.phonemes);
+    }
+    EXPECT_EQ(phonemes, expected.phonemes);
+    const Pronunciation& first = entry->Entry().pronunciations[0];
+    EXPECT_EQ(std::vector<int>(first.syllable_marks.begin(), first.syllable_marks.end()),
+              expected.marks);
+    EXPECT_EQ(std::vector<int>(first.syllable_starts.begin(), first.syllable_starts.end()),
+              expected.starts);
+  }
+}
+
+TEST(EnglishDictionaryFile, CutsSyllablesBeforeTheLongestOnset) {
+  ExpectWords("KEN-UTF8Order.txt", {
+                                       {L"A", {"@", "EI"}, {0}, {0}},
+                                       {L"EXTRA", {"Ekstr@"}, {1, 0}, {0, 2}},
+                                       {L"ANGRY", {"{Ngri"}, {1, 0}, {0, 2}},
+                                       {L"CAR", {"kAc"}, {1}, {0}},  // r behind the vowel
+                                       {L"HEARING", {"hirIN"}, {1, 0}, {0, 2}},  // r before it
+                                       {L"TEACHER", {"tiC3"}, {1, 0}, {0, 2}},
+                                       {L"ABOUT", {"@bAUt"}, {0, 1}, {0, 1}},
+                                       {L"DON'T", {"d@Unt", "d@Un"}, {1}, {0}},
+                                   });
+}
+
+TEST(ChineseDictionaryFile, GivesTheReadingsOfTaiwan) {
+  ExpectWords("KCN-UTF8Order.txt",
+              {
+                  {L"\u5783\u573E", {"l@s@"}, {4, 4}, {0, 2}},      // le se, rubbish
+                  {L"\u4F01\u696D", {"qiiE"}, {4, 4}, {0, 2}},      // qi ye
+                  {L"\u7814\u7A76", {"iEnjiou"}, {2, 4}, {0, 3}},   // yan jiu
+                  {L"\u653B\u64CA", {"goMji"}, {1, 2}, {0, 3}},     // gong ji
+                  {L"\u661F\u671F", {"xiMqi"}, {1, 2}, {0, 3}},     // xing qi
+                  {L"\u982D\u9AEE", {"toufa"}, {2, 3}, {0, 3}},     // tou fa
+                  {L"\u4E00\u500B", {"ig@"}, {2, 4}, {0, 1}},       // yi ge: yi changes
+                  {L"\u4E0D\u662F", {"buS)"}, {2, 4}, {0, 2}},      // bu shi: bu changes
+                  {L"\u5F88\u597D", {"h@nhau"}, {3, 3}, {0, 3}},    // hen hao: third tones stay
+                  {L"\u6F02\u4EAE", {"piauliaM"}, {4, 4}, {0, 4}},  // piao liang: no neutral tone
+                  {L"\u6211\u5011", {"uom@n"}, {3, 5}, {0, 2}},     // wo men: one
+                  {L"\u5ABD\u5ABD", {"mama"}, {1, 5}, {0, 2}},      // ma ma
+                  {L"\u7DA0\u8272", {"lUs@"}, {4, 4}, {0, 2}},      // lu se with umlaut
+                  {L"\u8ECD\u968A", {"jUndu@i"}, {1, 4}, {0, 3}},   // jun dui
+                  {L"\u56DB", {"s("}, {4}, {0}},                    // si
+                  {L"\u5341", {"S)"}, {2}, {0}},                    // shi
+                  {L"\u548C", {"h@", "han"}, {2}, {0}},             // "and": he or han
+              });
+}
+
+TEST(JapaneseDictionaryFile, CutsHeavySyllables) {
+  ExpectWords(
+      "KJP-UTF8Order.txt",
+      {
+          {L"\u5B66\u6821", {"gakkoo"}, {1, 1}, {0, 3}},              // gakkoo
+          {L"\u6771\u4EAC", {"tookjoo"}, {1, 1}, {0, 3}},             // tookyoo
+          {L"\u65B0\u805E", {"Cinbun"}, {1, 1}, {0, 3}},              // shimbun
+          {L"\u96D1\u8A8C", {"zaCCi"}, {1, 1}, {0, 3}},               // zasshi
+          {L"\u6620\u753B", {"eega", "eiga"}, {1, 1}, {0, 2}},        // ei of one reading
+          {L"\u3048\u3044\u304C", {"eega", "eiga"}, {1, 1}, {0, 2}},  // the same in kana
+          {L"\u6BDB\u7CF8", {"keito"}, {1, 1, 1}, {0, 2, 3}},         // ke-ito: of two
+          {L"\u3067\u3059", {"desu", "des"}, {1, 1}, {0, 2}},         // desu, devoiced
+          {L"\u3057\u305F", {"Cita", "Cta"}, {1, 1}, {0, 2}},         // shita
+          {L"\u306F", {"wa", "ha"}, {1}, {0}},                        // the particle
+          {L"\u3078", {"e", "he"}, {1}, {0}},
+          {L"\u4E00\u65E5", {"iYiniYi", "citoiYi"}, {1, 1, 1, 1}, {0, 1, 3, 5}},  // ichinichi
+          {L"\u65E5\u672C", {"nihon", "nippon"}, {1, 1}, {0, 2}},
+          {L"\u4E09\u767E", {"sanbjaku"}, {1, 1, 1}, {0, 3, 6}},  // sambyaku
+          {L"\u3093", {"n"}, {1}, {0}},
+      });
 }
 
 }  // namespace

@@ -18,6 +18,12 @@ namespace {
 
 using testing::Each;
 
+nlohmann::json Cases(const char* name, std::size_t count) {
+  nlohmann::json cases = LoadVectorJson("pitch.json").at(name);
+  EXPECT_EQ(cases.size(), count);
+  return cases;
+}
+
 std::vector<int> FramePitch(const std::vector<std::int16_t>& samples) {
   const auto n = static_cast<std::uint32_t>(samples.size());
   std::vector<int> frames(static_cast<std::size_t>(NumFrames(n)), -1);
@@ -61,9 +67,7 @@ CPraPitch TrackOf(const std::vector<double>& frequencies, double x1, double step
 }
 
 TEST(FramePitchVectors, Signals) {
-  const auto cases = LoadVectorJson("pitch.json").at("signals");
-  ASSERT_EQ(cases.size(), 20U);
-  for (const auto& c : cases) {
+  for (const auto& c : Cases("signals", 20)) {
     SCOPED_TRACE(c.at("name").get<std::string>());
     const auto samples = LoadVector<std::int16_t>(c.at("samples"));
     const auto& expected = c.at("frame_pitch");
@@ -79,7 +83,7 @@ TEST(FramePitchVectors, Signals) {
 }
 
 TEST(FramePitchVectors, Grids) {
-  for (const auto& c : LoadVectorJson("pitch.json").at("signals")) {
+  for (const auto& c : Cases("signals", 20)) {
     const auto& info = c.at("info");
     if (info.empty()) continue;
     SCOPED_TRACE(c.at("name").get<std::string>());
@@ -99,7 +103,7 @@ TEST(FramePitchVectors, Grids) {
 }
 
 TEST(FramePitchVectors, RangeEstimate) {
-  for (const auto& c : LoadVectorJson("pitch.json").at("range_estimate")) {
+  for (const auto& c : Cases("range_estimate", 52)) {
     const auto sorted = c.at("sorted").get<std::vector<double>>();
     const PitchRange range = EstimateRangeOfSorted(sorted);
     EXPECT_EQ(range.low, c.at("low").get<double>()) << c;
@@ -109,7 +113,7 @@ TEST(FramePitchVectors, RangeEstimate) {
 }
 
 TEST(FramePitchVectors, FrameMapping) {
-  for (const auto& c : LoadVectorJson("pitch.json").at("frame_mapping")) {
+  for (const auto& c : Cases("frame_mapping", 9)) {
     CPraPitch track = TrackOf(c.at("track_frequency"), c.at("x1"), c.at("step"));
     track.floor = c.at("floor");
     track.ceiling = c.at("ceiling");

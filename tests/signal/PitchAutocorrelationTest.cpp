@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "signal/NUMfft_Table_d.h"
+#include "signal/PortableSine.h"
 #include "signal/ShortTermAutocorrelation.h"
 #include "signal/SincInterpolation.h"
 
@@ -18,6 +19,12 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 
 double Wave(int i) { return std::sin(0.31 * i) + 0.4 * std::cos(1.7 * i + 0.2) + 0.1 * (i % 7); }
+
+TEST(PortableSine, IsTheSine) {
+  for (double x = 0.0; x <= kPi / 2.0; x += 1e-4) EXPECT_NEAR(QuarterSine(x), std::sin(x), 4e-16);
+  EXPECT_EQ(QuarterSine(0.0), 0.0);
+  EXPECT_NEAR(QuarterSine(kPi / 2.0), 1.0, 2e-16);
+}
 
 TEST(FftPlan, IsTheFourierSum) {
   for (const int n : {4, 8, 64, 256}) {

@@ -42,9 +42,15 @@ void VoiceMaker::AddVoiced(double seconds, const Contour& contour, const Envelop
   std::vector<double> stretch(n), pitch(n);
   for (std::size_t i = 0; i < n; ++i) {
     const double f0 = contour(static_cast<double>(i) / static_cast<double>(n));
-    double value = 0.0;
+    // The sines of the harmonics, each from the two below it.
+    const double angle = kTwoPi * (phase - std::floor(phase));
+    const double factor = 2.0 * std::cos(angle);
+    double value = 0.0, below = 0.0, sine = std::sin(angle);
     for (int h = 1; h * f0 <= kHighestHarmonic; ++h) {
-      value += envelope(h, h * f0) * std::sin(kTwoPi * h * phase);
+      value += envelope(h, h * f0) * sine;
+      const double above = factor * sine - below;
+      below = sine;
+      sine = above;
     }
     // Softening with half the pitch, without a step at the edges of the periods.
     value *= 1.0 - alternation * (0.5 - 0.5 * std::cos(std::numbers::pi * phase));
@@ -128,8 +134,6 @@ KnownSound VoiceMaker::WithNoise(double noise_db) {
   }
   return sound;
 }
-
-KnownSound VoiceMaker::Clean() { return WithNoise(300.0); }
 
 double VoiceMaker::Noise() {
   m_random = m_random * 1664525U + 1013904223U;  // Numerical Recipes' generator

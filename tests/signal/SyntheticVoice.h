@@ -38,7 +38,6 @@ class VoiceMaker {
 
   // The sound so far with white noise, `noise_db` below the mean power of its periodic stretches.
   KnownSound WithNoise(double noise_db);
-  KnownSound Clean();
 
  private:
   double Noise();  // -1..1

@@ -32,4 +32,10 @@ std::vector<double> Sine(double hertz, double amplitude, double seconds, int rat
   return values;
 }
 
+std::string NumberedWav(int number) {
+  std::string name = "r";
+  name += std::to_string(number);
+  return name += ".wav";
+}
+
 }  // namespace veral3::tools::test

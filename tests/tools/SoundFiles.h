@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace veral3::tools::test {
@@ -11,5 +12,8 @@ void WriteSoundFile(const std::filesystem::path& path, const std::vector<double>
 
 // A sine of `hertz`, `seconds` long, with the same value in every channel.
 std::vector<double> Sine(double hertz, double amplitude, double seconds, int rate, int channels);
+
+// "r0.wav", "r1.wav", ...
+std::string NumberedWav(int number);
 
 }  // namespace veral3::tools::test

@@ -118,6 +118,22 @@ TEST(KerasModel, ReferenceModels) {
   }
 }
 
+// The file that docs/formats/model.md shows byte for byte.
+TEST(KerasModel, DocumentedFile) {
+  const unsigned char bytes[] = {0x03, 0, 0, 0,    0x01, 0,    0,    0, 0,    0, 0, 0,   0x44, 0x72,
+                                 0x02, 0, 0, 0,    0x01, 0,    0,    0, 0x5B, 0, 0, 0,   0x3F, 0x5D,
+                                 0x5B, 0, 0, 0x80, 0xBF, 0x5D, 0x5B, 0, 0,    0, 0, 0x5D};
+  KerasModel model;
+  ASSERT_EQ(LoadBytes(model, std::string(std::begin(bytes), std::end(bytes))), 0);
+  EXPECT_EQ(model.version(), 3);
+  std::vector<double> input = {8.0, 1.0};
+  Tensor tensor;
+  tensor.view1(input.data(), 2);
+  model.compute_output(tensor, false);
+  ASSERT_EQ(tensor.size_x, 1);
+  EXPECT_EQ(tensor.data1[0], 3.0);
+}
+
 TEST(KerasModel, FreshModelHasNothing) {
   KerasModel model;
   EXPECT_EQ(model.version(), -1);

@@ -1,0 +1,104 @@
+#include "grading/ScoreReport.h"
+
+#include <locale>
+#include <ostream>
+#include <sstream>
+
+#include "common/MessageWriter.h"
+
+namespace veral3 {
+namespace {
+
+void List(std::ostream& out, const char* name, const std::vector<int>& scores) {
+  out << name << " =[";
+  for (const int score : scores) out << score << " ";
+  out << "]\n";
+}
+
+template <typename T>
+T At(const std::vector<T>& values, int index) {
+  const auto at = static_cast<std::size_t>(index);
+  return at < values.size() ? values[at] : T{};
+}
+
+// Lines go out whole and in the classic locale, whatever the stream is set to.
+class Line {
+ public:
+  explicit Line(std::ostream& out) : m_out(out) { m_text.imbue(std::locale::classic()); }
+  ~Line() { m_out << m_text.str() << std::endl; }
+  Line(const Line&) = delete;
+  Line& operator=(const Line&) = delete;
+
+  template <typename T>
+  Line& operator<<(const T& value) {
+    m_text << value;
+    return *this;
+  }
+
+ private:
+  std::ostream& m_out;
+  std::ostringstream m_text;
+};
+
+}  // namespace
+
+void PrintScores(const ReportHead& head, const GradedResult& graded) {
+  std::ostringstream out;
+  out.imbue(std::locale::classic());
+  if (graded.prob_good_timing < 1.0) {
+    out << "// m_dProbOfGoodTiming = " << graded.prob_good_timing << "\n";
+  }
+  if (head.language == kLanguageEnglish) {
+    out << "Sentence Text=[";
+    for (const CString& word : head.words) out << word.Utf8() << " ";
+    out << "]\n";
+  }
+  out << "================== Scores ==================\n"
+      << "** UGC Penalty (m_dProbOfGoodUtt) = " << graded.goodness_factor << "\n"
+      << "** S/N Ratio = " << head.signal_noise_ratio << "\n"
+      << "Total Score =[" << graded.total << "]\n"
+      << "Pronunciation Score =[" << graded.components.pronunciation << "]\n"
+      << "Pitch Score =[" << graded.components.pitch << "]\n"
+      << "Timing Score =[" << graded.components.timing << "]\n"
+      << "Intensity Score =[" << graded.components.intensity << "]\n"
+      << "---\n";
+  List(out, "Pronun Score of Phoneme", graded.phoneme_pronunciation);
+  List(out, "Pronun Score of Syllable", graded.syllable_pronunciation);
+  List(out, "Pitch Score of Syllable", graded.syllable_pitch);
+  List(out, "Timing Score of Syllable", graded.syllable_timing);
+  List(out, "Intensity Score of Syllable", graded.syllable_intensity);
+  out << "---\n";
+  List(out, "Pronun Score of Word", graded.words.pronunciation);
+  List(out, "Pitch Score of Word", graded.words.pitch);
+  List(out, "Timing Score of Word", graded.words.timing);
+  List(out, "Intensity Score of Word", graded.words.intensity);
+  List(out, "Total Score of Word", graded.words.total);
+  WriteMessage(MessageStream::kWideOutput, out.view());
+}
+
+void WriteUttMismatchTraits(std::ostream& out, std::string_view phonemes, int num_syllables,
+                            int num_pitch_segments, const GradedResult& graded) {
+  const double ratio = graded.pitch_segment_ratio;
+  Line(out) << phonemes << "," << graded.timing_traits[0] << "," << graded.timing_traits[1] << ","
+            << graded.timing_traits[2] << "," << num_syllables << ","
+            << (ratio == 0.0 ? 0.0 : num_pitch_segments / ratio) << "," << num_pitch_segments;
+}
+
+void WriteSylMismatchTraits(std::ostream& out, int num_syllables, const GradedResult& graded) {
+  for (int s = 0; s < num_syllables; ++s) {
+    Line(out) << (s == 0                   ? "H,"
+                  : s == num_syllables - 1 ? "T,"
+                                           : "-,")
+              << At(graded.syllable_timing_percent, s) << ","
+              << At(graded.syllable_intensity_percent, s);
+  }
+}
+
+void WriteWordMismatchTraits(std::ostream& out, int num_words, const GradedResult& graded) {
+  for (int w = 0; w < num_words; ++w) {
+    Line(out) << At(graded.word_pitch_contrast, w) << "," << At(graded.word_timing_contrast, w)
+              << "," << At(graded.word_intensity_contrast, w);
+  }
+}
+
+}  // namespace veral3

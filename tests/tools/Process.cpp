@@ -1,0 +1,78 @@
+#include "Process.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "support/Vectors.h"
+
+namespace veral3::tools::test {
+
+namespace {
+
+// Starts the command with files, or a terminal, as its standard streams, and waits for its end.
+int Run(const std::vector<std::string>& arguments, const std::string& out, const std::string& err,
+        rusage& usage) {
+  std::vector<std::string> words = {VERAL3_COMMAND};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  constexpr int kCreate = O_WRONLY | O_CREAT | O_TRUNC | O_NOCTTY;
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), kCreate, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), kCreate, 0600);
+  pid_t child = 0;
+  const int error = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) throw std::runtime_error("cannot start " + words[0]);
+
+  int status = 0;
+  while (wait4(child, &status, 0, &usage) < 0) {
+    if (errno != EINTR) throw std::runtime_error("cannot wait for " + words[0]);
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+ProcessResult RunVeral3(const std::vector<std::string>& arguments) {
+  const veral3::test::ScratchFolder folder;
+  const std::string out = folder.Path() / "out";
+  const std::string err = folder.Path() / "err";
+  rusage usage{};
+  const int status = Run(arguments, out, err, usage);
+  return {status, veral3::test::ReadFile(out), veral3::test::ReadFile(err), usage.ru_maxrss};
+}
+
+std::string StandardErrorOnTerminal(const std::vector<std::string>& arguments) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+    throw std::runtime_error("no terminal to be had");
+  }
+  std::string name(100, '\0');
+  if (ptsname_r(terminal, name.data(), name.size()) != 0) throw std::runtime_error("no terminal");
+  name.resize(name.find('\0'));
+  // Held open, so that what the command wrote is still there when it has ended.
+  const int other_end = open(name.c_str(), O_RDWR | O_NOCTTY);
+  rusage usage{};
+  Run(arguments, "/dev/null", name, usage);
+  fcntl(terminal, F_SETFL, O_NONBLOCK);
+  std::string text(65536, '\0');
+  const ssize_t got = read(terminal, text.data(), text.size());
+  text.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+  close(other_end);
+  close(terminal);
+  return text;
+}
+
+}  // namespace veral3::tools::test
