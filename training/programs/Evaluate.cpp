@@ -89,11 +89,12 @@ class Evaluation {
   }
 
   // Phonemes aligned to their own labels: which has the highest mean posterior over its frames.
-  void AlignedPhonemes() const {
+  void AlignedPhonemes(bool augmented) const {
+    const std::vector<Utterance>& utterances = augmented ? m_augmented : m_clean;
     ClassCounts counts(m_set.GetSize());
     std::mutex lock;
-    ParallelFor(m_augmented.size(), m_options.threads, [&](std::size_t i) {
-      const auto result = AlignToLabels(m_augmented[i], m_set);
+    ParallelFor(utterances.size(), m_options.threads, [&](std::size_t i) {
+      const auto result = AlignToLabels(utterances[i], m_set);
       if (!result) return;
       ClassCounts own(m_set.GetSize());
       for (std::size_t p = 0; p < result->phonemes.size(); ++p) {
@@ -108,15 +109,17 @@ class Evaluation {
       const std::lock_guard guard(lock);
       counts.Merge(own);
     });
-    Print("aligned phonemes by frames, augmented", counts, "phonemes");
+    Print(augmented ? "aligned phonemes by frames, augmented" : "aligned phonemes by frames, clean",
+          counts, "phonemes");
   }
 
   // The phoneme classifier on phonemes aligned to their own labels.
-  void ClassifiedPhonemes() const {
+  void ClassifiedPhonemes(bool augmented) const {
+    const std::vector<Utterance>& utterances = augmented ? m_augmented : m_clean;
     ClassCounts counts(m_set.GetSize());
     std::mutex lock;
-    ParallelFor(m_augmented.size(), m_options.threads, [&](std::size_t i) {
-      const auto result = AlignToLabels(m_augmented[i], m_set);
+    ParallelFor(utterances.size(), m_options.threads, [&](std::size_t i) {
+      const auto result = AlignToLabels(utterances[i], m_set);
       if (!result) return;
       ClassCounts own(m_set.GetSize());
       for (std::size_t p = 0; p < result->phonemes.size(); ++p) {
@@ -125,7 +128,9 @@ class Evaluation {
       const std::lock_guard guard(lock);
       counts.Merge(own);
     });
-    Print("aligned phonemes by the phoneme model, augmented", counts, "phonemes");
+    Print(augmented ? "aligned phonemes by the phoneme model, augmented"
+                    : "aligned phonemes by the phoneme model, clean",
+          counts, "phonemes");
   }
 
   // Every sixth phoneme or so is said to be another of its kind, and the recording is aligned to
@@ -295,7 +300,8 @@ void Run(const Options& options) {
   }
   const Evaluation evaluation(options, *set);
   evaluation.Frames();
-  evaluation.AlignedPhonemes();
+  evaluation.AlignedPhonemes(true);
+  evaluation.AlignedPhonemes(false);
   evaluation.Boundaries();
   if (!options.phoneme_model.empty()) {
     const int phoneme_type = kPhonemeModelEnglish + options.language - kLanguageEnglish;
@@ -303,7 +309,8 @@ void Run(const Options& options) {
         0) {
       throw std::runtime_error("cannot load " + options.phoneme_model);
     }
-    evaluation.ClassifiedPhonemes();
+    evaluation.ClassifiedPhonemes(true);
+    evaluation.ClassifiedPhonemes(false);
     evaluation.Substitutions(false);
     evaluation.Substitutions(true);
   }
