@@ -3,6 +3,7 @@
 #include <stdlib.h>
 
 #include <fstream>
+#include <map>
 #include <sstream>
 
 namespace veral3::test {
@@ -25,8 +26,11 @@ void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
   if (!file) throw std::runtime_error("cannot write " + path.string());
 }
 
-nlohmann::json LoadVectorJson(const std::string& name) {
-  return nlohmann::json::parse(ReadFile(VectorPath(name)));
+const nlohmann::json& LoadVectorJson(const std::string& name) {
+  static std::map<std::string, nlohmann::json> loaded;
+  const auto place = loaded.find(name);
+  if (place != loaded.end()) return place->second;
+  return loaded.emplace(name, nlohmann::json::parse(ReadFile(VectorPath(name)))).first->second;
 }
 
 ScratchFolder::ScratchFolder() {

@@ -12,7 +12,10 @@
 namespace veral3::test {
 
 std::filesystem::path VectorPath(const std::string& name);
-nlohmann::json LoadVectorJson(const std::string& name);
+
+// Read once and kept, so that a loop over a part of it is safe.
+const nlohmann::json& LoadVectorJson(const std::string& name);
+
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& bytes);
 
@@ -22,7 +25,7 @@ std::vector<T> LoadVector(const std::string& name) {
   const std::string bytes = ReadFile(VectorPath(name));
   if (bytes.size() % sizeof(T) != 0) throw std::runtime_error("odd size of " + name);
   std::vector<T> values(bytes.size() / sizeof(T));
-  std::memcpy(values.data(), bytes.data(), bytes.size());
+  if (!bytes.empty()) std::memcpy(values.data(), bytes.data(), bytes.size());
   return values;
 }
 
