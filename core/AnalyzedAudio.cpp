@@ -1,12 +1,12 @@
 #include "core/AnalyzedAudio.h"
 
 #include <algorithm>
-#include <exception>
 #include <limits>
 #include <span>
 #include <utility>
 #include <vector>
 
+#include "common/Guarded.h"
 #include "common/MessageWriter.h"
 #include "core/AnalysisState.h"
 #include "core/ModelScorers.h"
@@ -30,24 +30,18 @@ constexpr double kHighPassCutoff = 80.0;     // [Hz] below any voice
 constexpr double kHighPassRate = 22050.0;    // [Hz]
 constexpr int kDictionaryErrorShift = -100;  // keeps its codes apart from "full", -1
 
-// Runs a step of the interface: whatever it throws (memory runs out) becomes a message and -1.
+void Report(const char* operation, const char* what) {
+  veral3::ReportError("AnalyzedAudio", operation, what);
+}
+
 template <typename Step>
 int Guarded(const char* operation, Step step) noexcept {
-  try {
-    return step();
-  } catch (const std::exception& error) {
-    Message(MessageStream::kError)
-        << "ERROR in AnalyzedAudio::" << operation << "(), " << error.what() << "\n";
-  } catch (...) {
-    Message(MessageStream::kError) << "ERROR in AnalyzedAudio::" << operation << "()\n";
-  }
-  return -1;
+  return veral3::Guarded("AnalyzedAudio", operation, step);
 }
 
 bool IsUsable(const AnalysisState* state, const char* operation) {
   if (state && state->phoneme_set && state->dictionary) return true;
-  Message(MessageStream::kError) << "ERROR in AnalyzedAudio::" << operation
-                                 << "(), unknown Language Type\n";
+  Report(operation, "unknown Language Type");
   return false;
 }
 
@@ -56,12 +50,11 @@ bool IsKnownLanguage(const AnalysisState* state) { return state && state->phonem
 // Counts are ints throughout; 27 hours of sound fit.
 bool IsUsable(std::uint32_t num_samples, const std::int16_t* samples, const char* operation) {
   if (num_samples > static_cast<std::uint32_t>(std::numeric_limits<int>::max())) {
-    Message(MessageStream::kError)
-        << "ERROR in AnalyzedAudio::" << operation << "(), dNumOfSamples too large\n";
+    Report(operation, "dNumOfSamples too large");
     return false;
   }
   if (!samples && num_samples > 0) {
-    Message(MessageStream::kError) << "ERROR in AnalyzedAudio::" << operation << "(), no samples\n";
+    Report(operation, "no samples");
     return false;
   }
   return true;
@@ -84,8 +77,7 @@ void ForgetMeasurements(AnalysisState& state) {
 
 bool IsAligned(const AnalysisState& state, const std::int16_t* samples, const char* operation) {
   if (!state.result || state.result->matched_sentence_index < 0) {
-    Message(MessageStream::kError)
-        << "ERROR in AnalyzedAudio::" << operation << "(), nothing is aligned\n";
+    Report(operation, "nothing is aligned");
     return false;
   }
   return IsUsable(static_cast<std::uint32_t>(state.num_samples), samples, operation);
@@ -207,12 +199,11 @@ int AnalyzedAudio::Align(std::uint32_t num_samples, std::int16_t* samples) {
                              kHighPassRate);
     }
     if (state.num_possible_sentences <= 0) {
-      Message(MessageStream::kError)
-          << "ERROR in AnalyzedAudio::Align(), m_dNumOfPossibleSentences <= 0\n";
+      Report("Align", "m_dNumOfPossibleSentences <= 0");
       return -1;
     }
     if (num_samples == 0) {
-      Message(MessageStream::kError) << "ERROR in AnalyzedAudio::Align(), dNumOfSamples <= 0\n";
+      Report("Align", "dNumOfSamples <= 0");
       return -1;
     }
     return AlignWith(state.aligner, state, num_samples, samples);
@@ -225,7 +216,7 @@ int AnalyzedAudio::AlignAgainstTutor(const AnalyzedAudio* tutor, std::uint32_t n
     if (!IsUsable(m_state.get(), "AlignAgainstTutor")) return -1;
     if (!tutor || !IsUsable(tutor->m_state.get(), "AlignAgainstTutor")) {
       if (!tutor) {
-        Message(MessageStream::kError) << "ERROR in AnalyzedAudio::AlignAgainstTutor(), no tutor\n";
+        Report("AlignAgainstTutor", "no tutor");
       }
       return -1;
     }
@@ -304,8 +295,7 @@ double AnalyzedAudio::CalculateSignalNoiseRatio(const std::int16_t* samples) {
 void AnalyzedAudio::PrepareUttGoodnessFeatures(double* features) {
   Guarded("PrepareUttGoodnessFeatures", [&] {
     if (!features) {
-      Message(MessageStream::kError)
-          << "ERROR in AnalyzedAudio::PrepareUttGoodnessFeatures(), no features\n";
+      Report("PrepareUttGoodnessFeatures", "no features");
       return -1;
     }
     const auto prepared = veral3::PrepareGoodnessFeatures(

@@ -1,10 +1,9 @@
 #include "grading/GradedAudio.h"
 
-#include <exception>
 #include <fstream>
 #include <utility>
 
-#include "common/MessageWriter.h"
+#include "common/Guarded.h"
 #include "core/AnalysisState.h"
 #include "grading/GradedResult.h"
 #include "grading/ScoreReport.h"
@@ -12,8 +11,6 @@
 namespace {
 
 using veral3::GradedResult;
-using veral3::Message;
-using veral3::MessageStream;
 
 const GradedResult& OrEmpty(const std::shared_ptr<const GradedResult>& graded) {
   static const GradedResult empty;
@@ -47,20 +44,12 @@ veral3::LearnerView LearnerOf(GradedAudio& audio, const veral3::AnalysisState* s
 }
 
 void Report(const char* operation, const char* what) {
-  Message(MessageStream::kError) << "ERROR in GradedAudio::" << operation << "(), " << what << "\n";
+  veral3::ReportError("GradedAudio", operation, what);
 }
 
-// Runs a step of the interface: whatever it throws (memory runs out) becomes a message and -1.
 template <typename Step>
 int Guarded(const char* operation, Step step) noexcept {
-  try {
-    return step();
-  } catch (const std::exception& error) {
-    Report(operation, error.what());
-  } catch (...) {
-    Report(operation, "unknown error");
-  }
-  return -1;
+  return veral3::Guarded("GradedAudio", operation, step);
 }
 
 bool IsAnalysed(const veral3::AnalysisState* state, const char* operation) {

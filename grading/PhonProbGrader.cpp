@@ -1,11 +1,12 @@
 #include "grading/PhonProbGrader.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <string_view>
 
 #include "common/MessageWriter.h"
 #include "grading/Scores.h"
+#include "recognition/CPhonemeSet.h"
 
 namespace {
 
@@ -30,44 +31,38 @@ constexpr std::array<double, 26> kJapanese = {
     0.145589927, 0.042890005, 1.445668624, 0.795235789, 0.954597736, 0.552848235, 0.284884073,
     0.074762395, 1.30716145,  1.892275561, 0.342333071, 1.0};
 
-struct Table {
-  std::string_view symbols;
-  std::span<const double> normalisers;
-};
-
-Table TableOf(LanguageType language) {
+std::span<const double> NormalisersOf(LanguageType language) {
   switch (language) {
     case kLanguageEnglish:
-      return {"iIE{AOuUV@3pbtdkgmnNlfvTDszSZrchCJjw-", kEnglish};
+      return kEnglish;
     case kLanguageChinese:
-      return {"ao@EMRiuU()bpmfdtnlgkhjqxZCSrzcs-", kChinese};
+      return kChinese;
     case kLanguageJapanese:
-      return {"aeioubpdtXYgkfhcsCrjZzmnw-", kJapanese};
+      return kJapanese;
   }
   return {};
 }
 
 }  // namespace
 
-PhonProbGrader::PhonProbGrader(LanguageType language) : m_eLanguage(language) {
-  const Table table = TableOf(language);
-  if (table.symbols.empty()) {
+PhonProbGrader::PhonProbGrader(LanguageType language)
+    : m_eLanguage(language), m_nNumOfPhonemes(static_cast<int>(NormalisersOf(language).size())) {
+  if (m_nNumOfPhonemes == 0) {
     veral3::Message(veral3::MessageStream::kError)
         << "Unkonwn Language Type in PhonProbGrader::PhonProbGrader()\n";
   }
-  m_nNumOfPhonemes = static_cast<int>(table.symbols.size());
 }
 
 int PhonProbGrader::ComputePhonScore(char phoneme, std::span<const double> distribution) const {
-  const Table table = TableOf(m_eLanguage);
-  std::size_t k = table.symbols.find(phoneme);
-  if (k == std::string_view::npos) k = 0;
+  const CPhonemeSet* set = veral3::PhonemeSetOf(m_eLanguage);
+  std::size_t k = 0;
   double normaliser = 1.0;
-  if (table.symbols.empty()) {
+  if (set) {
+    k = static_cast<std::size_t>(std::max(set->GetPhonemeIndex(phoneme), 0));
+    normaliser = NormalisersOf(m_eLanguage)[k];
+  } else {
     veral3::Message(veral3::MessageStream::kError)
         << "Unkonwn Language Type in PhonProbGrader::ComputePhonScore()\n";
-  } else {
-    normaliser = table.normalisers[k];
   }
   double x = k < distribution.size() ? distribution[k] : 0.0;
   if (normaliser < 1.0) x = x / (normaliser * normaliser);

@@ -20,7 +20,7 @@ class PhonProbGrader {
 
  private:
   LanguageType m_eLanguage;
-  int m_nNumOfPhonemes = 0;
+  int m_nNumOfPhonemes;
 };
 
 namespace veral3 {
