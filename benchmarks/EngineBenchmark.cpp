@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "common/Messages.h"
 #include "core/AnalyzedAudio.h"
 
 namespace {
@@ -88,6 +89,26 @@ void Align(benchmark::State& state) {
       0.01 * seconds, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(Align)->Arg(1)->Arg(5)->Arg(10)->Arg(30)->Arg(60)->Unit(benchmark::kMillisecond);
+
+// The measurements that follow an alignment.
+void Analyze(benchmark::State& state) {
+  const Recording speech = Speech(static_cast<double>(state.range(0)));
+  std::vector<std::int16_t> samples = speech.samples;
+  AnalyzedAudio::LoadModelFile((kRoot + "/resources/EnglishPhon.model").c_str(),
+                               kPhonemeModelEnglish);
+  AnalyzedAudio audio(kLanguageEnglish);
+  audio.AddPossibleSentence(speech.text.c_str());
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  if (audio.Align(count, samples.data()) < 0) state.SkipWithError("not aligned");
+  for (auto _ : state) {
+    if (audio.Analyze(count, samples.data()) < 0) state.SkipWithError("not analysed");
+  }
+  const double seconds = static_cast<double>(samples.size()) / kRate;
+  state.counters["seconds"] = seconds;
+  state.counters["real_time_%"] = benchmark::Counter(
+      0.01 * seconds, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(Analyze)->Arg(1)->Arg(10)->Arg(60)->Unit(benchmark::kMillisecond);
 
 long PeakResidentKilobytes() {
   std::ifstream status("/proc/self/status");
