@@ -24,6 +24,15 @@ Outcome Read(AnalyzedAudio& audio, int matched) {
     outcome.times.push_back(audio.GetPhonemeStartSampleNum(i));
     outcome.times.push_back(audio.GetPhonemeEndSampleNum(i));
     outcome.probabilities.push_back(audio.GetPhonMFCCProb(i));
+    outcome.probabilities.push_back(audio.GetSoundsLikePhonProb(i));
+  }
+  for (int i = 0; i < audio.GetNumOfSyllables(); ++i) {
+    outcome.times.push_back(audio.GetSyllablePitch(i));
+    outcome.probabilities.push_back(audio.GetSyllableIntensity(i));
+    outcome.probabilities.push_back(audio.ProbGoodSyllable(i));
+    for (int tone = 0; tone < 5; ++tone) {
+      outcome.probabilities.push_back(audio.GetSylToneProb(i, tone));
+    }
   }
   return outcome;
 }
@@ -32,7 +41,9 @@ Outcome AlignAlone(LanguageType language, const wchar_t* sentence, const char* r
   AnalyzedAudio audio(language);
   audio.AddPossibleSentence(sentence);
   auto samples = test::ChainRecording(recording);
-  const int matched = audio.Align(static_cast<std::uint32_t>(samples.size()), samples.data());
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  const int matched = audio.Align(count, samples.data());
+  audio.Analyze(count, samples.data());
   return Read(audio, matched);
 }
 
