@@ -7,6 +7,7 @@
 #include <exception>
 
 #include "tools/AlignCommand.h"
+#include "tools/AnalyzeCommand.h"
 
 namespace {
 
@@ -21,6 +22,8 @@ int Run(int argc, char** argv) {
       "veral3 align --help tells more.");
   veral3::tools::AlignOptions align;
   const CLI::App* align_command = veral3::tools::AddAlignCommand(app, align);
+  veral3::tools::ReadingOptions analyze;
+  const CLI::App* analyze_command = veral3::tools::AddAnalyzeCommand(app, analyze);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -31,7 +34,9 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kWrongUsage;
   }
-  return align_command->parsed() ? veral3::tools::RunAlign(align) : kWrongUsage;
+  if (align_command->parsed()) return veral3::tools::RunAlign(align);
+  if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
+  return kWrongUsage;
 }
 
 }  // namespace
