@@ -7,6 +7,7 @@
 #include <exception>
 
 #include "tools/AlignCommand.h"
+#include "tools/CheckTextCommand.h"
 
 namespace {
 
@@ -21,6 +22,8 @@ int Run(int argc, char** argv) {
       "veral3 align --help tells more.");
   veral3::tools::AlignOptions align;
   const CLI::App* align_command = veral3::tools::AddAlignCommand(app, align);
+  veral3::tools::CheckTextOptions check_text;
+  const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -31,6 +34,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kWrongUsage;
   }
+  if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
   return align_command->parsed() ? veral3::tools::RunAlign(align) : kWrongUsage;
 }
 

@@ -20,4 +20,10 @@ Result<std::filesystem::path> FindResources(const std::optional<std::filesystem:
 // who want to read it.
 Result<std::string> LoadResources(const std::filesystem::path& folder, LanguageType language);
 
+// The folder that has a language's dictionary, models or not, and its dictionary loaded alone: what
+// looking at texts needs. As above.
+Result<std::filesystem::path> FindDictionary(const std::optional<std::filesystem::path>& given,
+                                             LanguageType language);
+Result<std::string> LoadDictionary(const std::filesystem::path& folder, LanguageType language);
+
 }  // namespace veral3::tools
