@@ -8,6 +8,7 @@
 
 #include "tools/AlignCommand.h"
 #include "tools/AnalyzeCommand.h"
+#include "tools/CheckTextCommand.h"
 
 namespace {
 
@@ -24,6 +25,8 @@ int Run(int argc, char** argv) {
   const CLI::App* align_command = veral3::tools::AddAlignCommand(app, align);
   veral3::tools::ReadingOptions analyze;
   const CLI::App* analyze_command = veral3::tools::AddAnalyzeCommand(app, analyze);
+  veral3::tools::CheckTextOptions check_text;
+  const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -36,6 +39,7 @@ int Run(int argc, char** argv) {
   }
   if (align_command->parsed()) return veral3::tools::RunAlign(align);
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
+  if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
   return kWrongUsage;
 }
 
