@@ -10,6 +10,7 @@
 #include "tools/AnalyzeCommand.h"
 #include "tools/AnnotateCommand.h"
 #include "tools/DenoiseCommand.h"
+#include "tools/CheckTextCommand.h"
 
 namespace {
 
@@ -30,6 +31,8 @@ int Run(int argc, char** argv) {
   const CLI::App* annotate_command = veral3::tools::AddAnnotateCommand(app, annotate);
   veral3::tools::DenoiseOptions denoise;
   const CLI::App* denoise_command = veral3::tools::AddDenoiseCommand(app, denoise);
+  veral3::tools::CheckTextOptions check_text;
+  const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -44,6 +47,7 @@ int Run(int argc, char** argv) {
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
   if (annotate_command->parsed()) return veral3::tools::RunAnnotate(annotate);
   if (denoise_command->parsed()) return veral3::tools::RunDenoise(denoise);
+  if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
   return kWrongUsage;
 }
 

@@ -1,5 +1,6 @@
 #include "tools/Resources.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -68,54 +69,76 @@ std::string LoadModel(const std::filesystem::path& model, ModelFileType type,
   return problem.empty() ? "" : "the model " + model.string() + " cannot be used: " + problem;
 }
 
-}  // namespace
-
-Result<std::filesystem::path> FindResources(const std::optional<std::filesystem::path>& given,
-                                            LanguageType language) {
-  std::vector<std::filesystem::path> folders;
+// The folders that may have resources: the one given, else that of the installation.
+std::vector<std::filesystem::path> Folders(const std::optional<std::filesystem::path>& given) {
+  if (given) return {*given};
   std::error_code error;
-  if (given) {
-    folders.push_back(*given);
-  } else {
-    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (!error) {
-      folders.push_back(
-          (executable.parent_path() / VERAL3_RESOURCES_FROM_EXECUTABLE).lexically_normal());
-    }
-  }
-  const LanguageFiles files = FilesOf(language);
+  const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return {};
+  return {(executable.parent_path() / VERAL3_RESOURCES_FROM_EXECUTABLE).lexically_normal()};
+}
+
+// The first of the folders that has all `files`.
+Result<std::filesystem::path> FindFiles(const std::optional<std::filesystem::path>& given,
+                                        LanguageType language,
+                                        const std::vector<std::string>& files) {
+  std::error_code error;
   std::string looked;
-  for (const std::filesystem::path& folder : folders) {
-    if (std::filesystem::is_regular_file(folder / files.dictionary, error) &&
-        std::filesystem::is_regular_file(folder / files.frame_model, error)) {
+  for (const std::filesystem::path& folder : Folders(given)) {
+    if (std::ranges::all_of(files, [&](const std::string& file) {
+          return std::filesystem::is_regular_file(folder / file, error);
+        })) {
       return folder;
     }
     looked += (looked.empty() ? "" : ", ") + folder.string();
   }
+  std::string names;
+  for (const std::string& file : files) names += (names.empty() ? "" : " and ") + file;
   return Result<std::filesystem::path>::Failure(
-      "no resources for " + std::string(LanguageName(language)) + " (" + files.dictionary +
-      " and " + files.frame_model + "); looked in " + looked +
-      (given ? "" : "; --resources names another folder"));
+      "no resources for " + std::string(LanguageName(language)) + " (" + names + "); looked in " +
+      looked + (given ? "" : "; --resources names another folder"));
+}
+
+}  // namespace
+
+Result<std::filesystem::path> FindResources(const std::optional<std::filesystem::path>& given,
+                                            LanguageType language) {
+  const LanguageFiles files = FilesOf(language);
+  return FindFiles(given, language, {files.dictionary, files.frame_model});
+}
+
+Result<std::filesystem::path> FindDictionary(const std::optional<std::filesystem::path>& given,
+                                             LanguageType language) {
+  return FindFiles(given, language, {FilesOf(language).dictionary});
+}
+
+Result<std::string> LoadDictionary(const std::filesystem::path& folder, LanguageType language) {
+  const EngineMessages messages;
+  AnalyzedAudio::LoadResourceInFolderPath((folder / "").c_str());
+  const auto dictionary = DictionaryOf(language);
+  if (dictionary == nullptr || dictionary->GetWordCount() == 0) {
+    return Result<std::string>::Failure("the dictionary " +
+                                        (folder / FilesOf(language).dictionary).string() +
+                                        " cannot be used: " + messages.OneLine());
+  }
+  return messages.Text();
 }
 
 Result<LoadedResources> LoadResources(const std::filesystem::path& folder, LanguageType language,
                                       ResourceUse use) {
   using Failure = Result<LoadedResources>;
   const LanguageFiles files = FilesOf(language);
-  const EngineMessages messages;
+  LoadedResources loaded;
   if (use != ResourceUse::kAnnotate) {
-    AnalyzedAudio::LoadResourceInFolderPath((folder / "").c_str());
-    const auto dictionary = DictionaryOf(language);
-    if (dictionary == nullptr || dictionary->GetWordCount() == 0) {
-      return Failure::Failure("the dictionary " + (folder / files.dictionary).string() +
-                              " cannot be used: " + messages.OneLine());
-    }
+    const Result<std::string> dictionary = LoadDictionary(folder, language);
+    if (!dictionary) return Failure::Failure(dictionary.Error());
+    loaded.messages = *dictionary;
   }
+  const EngineMessages messages;
   if (std::string error = LoadModel(folder / files.frame_model, files.frame_model_type, messages);
       !error.empty()) {
     return Failure::Failure(std::move(error));
   }
-  LoadedResources loaded;
   if (use == ResourceUse::kMeasure || use == ResourceUse::kGrade) {
     for (const OptionalModel& model : OptionalModelsOf(language)) {
       std::error_code error;
@@ -136,7 +159,7 @@ Result<LoadedResources> LoadResources(const std::filesystem::path& folder, Langu
       return Failure::Failure(std::move(loaded.missing));
     }
   }
-  loaded.messages = messages.Text();
+  loaded.messages += messages.Text();
   return loaded;
 }
 

@@ -39,4 +39,10 @@ struct MeasuringModels {
 };
 MeasuringModels LoadedModels(LanguageType language);
 
+// The folder that has a language's dictionary, models or not, and its dictionary loaded alone: what
+// looking at texts needs. As above.
+Result<std::filesystem::path> FindDictionary(const std::optional<std::filesystem::path>& given,
+                                             LanguageType language);
+Result<std::string> LoadDictionary(const std::filesystem::path& folder, LanguageType language);
+
 }  // namespace veral3::tools
