@@ -9,8 +9,10 @@
 #include "tools/AlignCommand.h"
 #include "tools/AnalyzeCommand.h"
 #include "tools/AnnotateCommand.h"
-#include "tools/DenoiseCommand.h"
 #include "tools/CheckTextCommand.h"
+#include "tools/DenoiseCommand.h"
+#include "tools/InspectCommand.h"
+#include "tools/TutorCommand.h"
 
 namespace {
 
@@ -33,6 +35,10 @@ int Run(int argc, char** argv) {
   const CLI::App* denoise_command = veral3::tools::AddDenoiseCommand(app, denoise);
   veral3::tools::CheckTextOptions check_text;
   const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
+  veral3::tools::TutorOptions tutor;
+  const CLI::App* tutor_command = veral3::tools::AddTutorCommand(app, tutor);
+  veral3::tools::InspectOptions inspect;
+  const CLI::App* inspect_command = veral3::tools::AddInspectCommand(app, inspect);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -48,6 +54,8 @@ int Run(int argc, char** argv) {
   if (annotate_command->parsed()) return veral3::tools::RunAnnotate(annotate);
   if (denoise_command->parsed()) return veral3::tools::RunDenoise(denoise);
   if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
+  if (tutor_command->parsed()) return veral3::tools::RunTutor(tutor);
+  if (inspect_command->parsed()) return veral3::tools::RunInspect(inspect);
   return kWrongUsage;
 }
 
