@@ -22,8 +22,7 @@ TEST(AdviceTexts, LettersInWords) {
 }
 
 TEST(AdviceTexts, NothingForNone) {
-  for (const AdviceKind kind :
-       {AdviceKind::kPitch, AdviceKind::kTiming, AdviceKind::kIntensity}) {
+  for (const AdviceKind kind : {AdviceKind::kPitch, AdviceKind::kTiming, AdviceKind::kIntensity}) {
     for (const char letter : {'-', '\0', 'x'}) {
       EXPECT_EQ(AdviceOf(kind, kLanguageEnglish, letter), "");
     }

@@ -61,8 +61,7 @@ TEST(EnvelopeOf, SpansOutsideTheRecordingAreSilence) {
   DrawnRecording recording;
   recording.samples = {100, -100};
   recording.utterance = {0, 2};
-  for (const DrawnRecording::Span span :
-       {DrawnRecording::Span{5, 9}, {2, 1}, {-9, -5}, {1, 1}}) {
+  for (const DrawnRecording::Span span : {DrawnRecording::Span{5, 9}, {2, 1}, {-9, -5}, {1, 1}}) {
     const Envelope envelope = EnvelopeOf(recording, span, 3);
     EXPECT_EQ(envelope.high, (std::vector<double>(3, 0.0)));
     EXPECT_EQ(envelope.low, (std::vector<double>(3, 0.0)));

@@ -102,8 +102,8 @@ TEST(GradeTable, LongSentencesAreBrokenBetweenWords) {
   for (std::string line; std::getline(lines, line);) {
     EXPECT_LE(line.size(), 96u) << line;
     headings += line.starts_with("pronunciation ");
-    for (std::size_t at = 0; (at = line.find("INTERNATIONALISATION  AWAY", at)) != std::string::npos;
-         ++at) {
+    for (std::size_t at = 0;
+         (at = line.find("INTERNATIONALISATION  AWAY", at)) != std::string::npos; ++at) {
       ++words;
     }
   }
@@ -147,11 +147,14 @@ TEST(GradeJson, FitsItsSchema) {
 
 TEST(GradeSchema, RejectsWhatIsOff) {
   const json good = json::parse(JsonText(GradeJson(SampleGrade())));
-  const std::vector<std::pair<const char*, json>> changes = {
-      {"/scores/total", 101},           {"/scores/pitch", 80.5},
-      {"/syllables/0/advice/pitch", "x"}, {"/syllables/0/unnecessary_pause", 1},
-      {"/words/0/contrasts/pitch", -1}, {"/syllables/0/tutor_tone", 5},
-      {"/tutor", "t.wav"},              {"/pronunciation_only", nullptr}};
+  const std::vector<std::pair<const char*, json>> changes = {{"/scores/total", 101},
+                                                             {"/scores/pitch", 80.5},
+                                                             {"/syllables/0/advice/pitch", "x"},
+                                                             {"/syllables/0/unnecessary_pause", 1},
+                                                             {"/words/0/contrasts/pitch", -1},
+                                                             {"/syllables/0/tutor_tone", 5},
+                                                             {"/tutor", "t.wav"},
+                                                             {"/pronunciation_only", nullptr}};
   for (const auto& [place, value] : changes) {
     json bad = good;
     bad[json::json_pointer(place)] = value;
@@ -168,14 +171,14 @@ TEST(GradeCsv, ALineForEverything) {
     EXPECT_EQ(std::ranges::count(line, ','), 23) << line;
   }
   ASSERT_EQ(all.size(), 1u + 1u + 2u + 3u + 7u);
-  EXPECT_EQ(all[1], "a.wav,recording,go away,0,22050,0.000000,1.000000,81,90,80,70,60,,,,,,,,,,,,"
-                    "0.937500");
-  EXPECT_EQ(all[3], "a.wav,words,AWAY,8800,17600,0.399093,0.798186,72,70,60,80,90,,,,,1.500000,"
-                    "10000000000.000000,1.000000,,,,,");
-  EXPECT_EQ(all[5],
-            "a.wav,syllables,@,8800,9900,0.399093,0.448980,,80,70,60,50,h,S,-,1,,,,,,,,");
-  EXPECT_EQ(all[7],
-            "a.wav,phonemes,g,2200,3300,0.099773,0.149660,,100,,,,,,,,,,,,,k,0.500000,");
+  EXPECT_EQ(all[1],
+            "a.wav,recording,go away,0,22050,0.000000,1.000000,81,90,80,70,60,,,,,,,,,,,,"
+            "0.937500");
+  EXPECT_EQ(all[3],
+            "a.wav,words,AWAY,8800,17600,0.399093,0.798186,72,70,60,80,90,,,,,1.500000,"
+            "10000000000.000000,1.000000,,,,,");
+  EXPECT_EQ(all[5], "a.wav,syllables,@,8800,9900,0.399093,0.448980,,80,70,60,50,h,S,-,1,,,,,,,,");
+  EXPECT_EQ(all[7], "a.wav,phonemes,g,2200,3300,0.099773,0.149660,,100,,,,,,,,,,,,,k,0.500000,");
   EXPECT_EQ(GradeCsv(Failed()), "");
 }
 

@@ -44,8 +44,8 @@ TEST(GradePage, StandsAlone) {
   EXPECT_EQ(TagError(page), "");
   EXPECT_TRUE(IsUtf8(page));
   EXPECT_THAT(page, testing::StartsWith("<!DOCTYPE html>\n"));
-  for (const char* fetched : {"<script", "<link", "<img", "<iframe", "http:", "https:", "url(",
-                              "@import", "src="}) {
+  for (const char* fetched :
+       {"<script", "<link", "<img", "<iframe", "http:", "https:", "url(", "@import", "src="}) {
     EXPECT_THAT(page, Not(HasSubstr(fetched)));
   }
   EXPECT_THAT(page, AllOf(Not(HasSubstr("nan")), Not(HasSubstr("inf,"))));
@@ -131,7 +131,9 @@ double Luminance(std::string colour) {
   if (colour.size() == 3) {
     colour = {colour[0], colour[0], colour[1], colour[1], colour[2], colour[2]};
   }
-  const auto at = [&](std::size_t i) { return Channel(std::stoi(colour.substr(i, 2), nullptr, 16)); };
+  const auto at = [&](std::size_t i) {
+    return Channel(std::stoi(colour.substr(i, 2), nullptr, 16));
+  };
   return 0.2126 * at(0) + 0.7152 * at(2) + 0.0722 * at(4);
 }
 

@@ -15,8 +15,7 @@ TEST(HtmlText, MarkupIsEscaped) {
 TEST(HtmlText, AlwaysWellFormedUtf8WithoutControlCharacters) {
   EXPECT_EQ(HtmlText("\xE4\xBD\xA0\n\t"), "\xE4\xBD\xA0\n\t");
   EXPECT_EQ(HtmlText("a\xFF\x80z"), "a\xEF\xBF\xBD\xEF\xBF\xBDz");
-  EXPECT_EQ(HtmlText(std::string_view("a\0\x1B\x7F", 4)),
-            "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(HtmlText(std::string_view("a\0\x1B\x7F", 4)), "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
 }  // namespace
