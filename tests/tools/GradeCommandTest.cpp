@@ -2,8 +2,6 @@
 // far as they are there.
 #include <gmock/gmock.h>
 
-#include <regex>
-
 #include "SmallResources.h"
 #include "support/SmallEngine.h"
 
@@ -37,7 +35,7 @@ class Grade : public test::SmallResources {
   const std::string m_sentence = "I read the cat";
 };
 
-// The scores are those of the vectors, which grade the tutor analysed and saved.
+// The scores are those of the vectors.
 TEST_F(Grade, EveryLanguageGivesTheEnginesScores) {
   for (const json& c : veral3::test::LoadVectorJson("chain.json").at("cases")) {
     const std::string language =
@@ -53,6 +51,19 @@ TEST_F(Grade, EveryLanguageGivesTheEnginesScores) {
     const json value = json::parse(result.out);
     EXPECT_EQ(value["tutor"]["file"], Path(language + "_tutor.wav"));
     EXPECT_TRUE(value["tutor"]["teacher"].is_null());
+    const json& expected = c.at("grade_analysed_tutor");
+    EXPECT_EQ(value["scores"]["total"], expected.at("total"));
+    for (std::size_t i = 0; i < value["syllables"].size(); ++i) {
+      const json& syllable = value["syllables"][i];
+      EXPECT_EQ(syllable["scores"]["pitch"], expected.at("syl_pitch").at(i));
+      EXPECT_EQ(syllable["scores"]["timing"], expected.at("syl_timing").at(i));
+      EXPECT_EQ(syllable["scores"]["intensity"], expected.at("syl_intensity").at(i));
+      for (const char* kind : {"pitch", "timing", "intensity"}) {
+        const std::string letters = expected.at(std::string(kind) + "_advice");
+        EXPECT_EQ(syllable["advice"][kind], std::string(1, letters.at(i)));
+      }
+      EXPECT_EQ(syllable["unnecessary_pause"], expected.at("unnecessary_pause").at(i));
+    }
     for (const json& syllable : value["syllables"]) {
       EXPECT_EQ(syllable["tutor_tone"].is_null(), language != "zh");
       EXPECT_TRUE(syllable["scores"]["pitch"].is_number());
