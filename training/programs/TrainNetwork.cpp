@@ -20,6 +20,7 @@
 #include "training/measure/Scores.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
+#include "training/train/Scaling.h"
 #include "training/train/Trainer.h"
 
 namespace veral3::training {
@@ -93,6 +94,23 @@ double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& so
   return all.TopOne();
 }
 
+// A checkpoint, or a model of the engine's, whose scaling is folded. One of other classes, as of
+// another language, lends its hidden layers.
+Network StartFrom(const std::string& path, ExampleSource& source, std::uint64_t seed) {
+  if (!path.ends_with(".model")) return LoadCheckpoint(path);
+  Network folded = ImportModel(path);
+  if (folded.NumInputs() != source.NumInputs()) {
+    throw std::runtime_error(path + " has other inputs");
+  }
+  Random random(MixSeed(seed, 78));
+  DenseLayer& last = folded.layers.back();
+  if (last.outputs != source.NumClasses()) {
+    last = RandomLayer(last.inputs, source.NumClasses(), random);
+  }
+  source.BeginEpoch(random);
+  return Unfold(folded, MeasureScaling(source, random));
+}
+
 void Run(const Options& options) {
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
   if (set == nullptr) throw std::runtime_error("no such language");
@@ -100,7 +118,7 @@ void Run(const Options& options) {
   const auto source = SourceOf(options.kind, *set, files, options.jitter);
   std::printf("%zu examples\n", source->NumExamples());
   std::optional<Network> start;
-  if (!options.start.empty()) start = LoadCheckpoint(options.start);
+  if (!options.start.empty()) start = StartFrom(options.start, *source, options.train.seed);
   const Network network = Train(options.train, *source, start);
   SaveCheckpoint(network, options.out);
   if (!options.model.empty()) ExportModel(network, options.version, options.model);
@@ -120,7 +138,7 @@ int main(int argc, char** argv) {
   app.add_option("--features", options.features, "feature folders to learn from")->required();
   app.add_option("--test", options.test_features, "feature folders to measure on");
   app.add_option("--at-least", options.at_least, "fail below this accuracy on the test");
-  app.add_option("--start", options.start, "checkpoint to go on from");
+  app.add_option("--start", options.start, "checkpoint, or model file (.model), to go on from");
   app.add_option("--out", options.out, "checkpoint to write")->required();
   app.add_option("--model", options.model, "model file to write for the engine");
   app.add_option("--version", options.version, "the model file's version");

@@ -9,6 +9,9 @@
 #include <numbers>
 #include <numeric>
 #include <stdexcept>
+#include <utility>
+
+#include "training/train/Scaling.h"
 
 namespace veral3::training {
 namespace {
@@ -63,42 +66,17 @@ void StoreInto(Network& network, const Layers& layers) {
   }
 }
 
-// A network of random weights (He, Zhang, Ren and Sun 2015) whose scaling fits the source.
+// A network of random weights whose scaling fits the source.
 Network FreshNetwork(const TrainOptions& options, const ExampleSource& source, Random& random) {
-  constexpr std::size_t kMost = 200000;  // examples to measure
   Network network;
-  const auto inputs = static_cast<std::size_t>(source.NumInputs());
-  std::vector<std::uint32_t> chosen(std::min(kMost, source.NumExamples()));
-  for (auto& example : chosen) {
-    example = static_cast<std::uint32_t>(random.Below(source.NumExamples()));
-  }
-  std::vector<float> rows(chosen.size() * inputs);
-  std::vector<std::int64_t> classes(chosen.size());
-  source.Fill(chosen, rows, classes);
-  std::vector<double> sum(inputs, 0.0);
-  std::vector<double> squares(inputs, 0.0);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    sum[i % inputs] += double{rows[i]};
-    squares[i % inputs] += double{rows[i]} * double{rows[i]};
-  }
-  const auto count = static_cast<double>(chosen.size());
-  for (std::size_t i = 0; i < inputs; ++i) {
-    const double mean = sum[i] / count;
-    const double variance = std::max(squares[i] / count - mean * mean, 1e-8);
-    network.input_mean.push_back(static_cast<float>(mean));
-    network.input_deviation.push_back(static_cast<float>(std::sqrt(variance)));
-  }
+  Scaling scaling = MeasureScaling(source, random);
+  network.input_mean = std::move(scaling.mean);
+  network.input_deviation = std::move(scaling.deviation);
   std::vector<int> sizes = options.hidden;
   sizes.insert(sizes.begin(), source.NumInputs());
   sizes.push_back(source.NumClasses());
   for (std::size_t i = 0; i + 1 < sizes.size(); ++i) {
-    DenseLayer layer{sizes[i], sizes[i + 1], {}, {}};
-    const double deviation = std::sqrt(2.0 / sizes[i]);
-    for (int k = 0; k < sizes[i] * sizes[i + 1]; ++k) {
-      layer.weights.push_back(static_cast<float>(random.Normal() * deviation));
-    }
-    layer.bias.assign(static_cast<std::size_t>(sizes[i + 1]), 0.0f);
-    network.layers.push_back(std::move(layer));
+    network.layers.push_back(RandomLayer(sizes[i], sizes[i + 1], random));
   }
   return network;
 }
