@@ -12,8 +12,8 @@
 //   Random random(MixSeed(seed, number));
 //   Utterance utterance = speaker->Speak(random);
 //
-// espeak-ng is one a process, so is a speaker. All throw std::runtime_error where the synthesiser or
-// the dictionary is missing, or where something was spoken that is not what the text says.
+// espeak-ng is one a process, so is a speaker. All throw std::runtime_error where the synthesiser
+// or the dictionary is missing, or where something was spoken that is not what the text says.
 namespace veral3::training {
 
 // Speaks sentences of one language, each with its phonemes and their times.
