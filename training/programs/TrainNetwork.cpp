@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
-#include "training/measure/Scores.h"
+#include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
 #include "training/train/Scaling.h"
@@ -81,48 +81,6 @@ Grouping GroupingOf(const std::string& kind, const CPhonemeSet& set) {
   return {kind == "frame" ? 3u : 1u, set.GetPhonemeIndex('-')};
 }
 
-// Prints how many examples have their class most probable; a frame's phoneme by the sum of its
-// three states. Returns that share.
-double Measure(const Network& network, const Grouping& grouping, ExampleSource& source) {
-  Random random(1);
-  source.BeginEpoch(random);
-  constexpr std::uint32_t kChunk = 8192;
-  const auto columns = static_cast<std::size_t>(source.NumClasses());
-  const std::size_t states = grouping.columns_each;
-  const auto num_classes = static_cast<int>(columns / states);
-  ClassCounts all(num_classes);
-  ClassCounts speech(num_classes);
-  std::vector<std::uint32_t> examples;
-  std::vector<double> sums(columns / states);
-  for (std::uint32_t first = 0; first < source.NumExamples(); first += kChunk) {
-    examples.clear();
-    for (std::uint32_t i = first; i < std::min<std::size_t>(first + kChunk, source.NumExamples());
-         ++i) {
-      examples.push_back(i);
-    }
-    std::vector<float> inputs(examples.size() * static_cast<std::size_t>(source.NumInputs()));
-    std::vector<std::int64_t> classes(examples.size());
-    source.Fill(examples, inputs, classes);
-    const std::vector<float> scores = Classify(network, inputs);
-    for (std::size_t i = 0; i < examples.size(); ++i) {
-      std::ranges::fill(sums, 0.0);
-      for (std::size_t c = 0; c < columns; ++c) {
-        sums[c / states] += static_cast<double>(scores[i * columns + c]);
-      }
-      const int truth = static_cast<int>(classes[i]) / static_cast<int>(states);
-      all.Add(truth, sums);
-      if (truth != grouping.pause) speech.Add(truth, sums);
-    }
-  }
-  for (const auto& [what, counts] :
-       {std::pair{"all", &all}, std::pair{"without pauses", &speech}}) {
-    if (counts == &speech && grouping.pause < 0) continue;
-    std::printf("test, %s: %zu examples, top-1 %.4f, top-3 %.4f, macro F1 %.4f\n", what,
-                counts->Total(), counts->TopOne(), counts->TopThree(), counts->MacroF1());
-  }
-  return all.TopOne();
-}
-
 // A checkpoint, or a model of the engine's, whose scaling is folded. One of other classes, as of
 // another language, lends its hidden layers.
 Network StartFrom(const std::string& path, ExampleSource& source, std::uint64_t seed) {
@@ -154,8 +112,11 @@ void Run(const Options& options) {
   if (!options.model.empty()) ExportModel(network, options.version, options.model);
   if (options.test_features.empty()) return;
   Examples test(options.kind, *set, options.test_features, 0);
-  const double accuracy = Measure(network, GroupingOf(options.kind, *set), test.Source());
-  if (accuracy < options.at_least) throw std::runtime_error("the accuracy is too low");
+  const Grouping grouping = GroupingOf(options.kind, *set);
+  const CountedClasses counts =
+      CountClasses(network, test.Source(), grouping.columns_each, grouping.pause);
+  PrintCounts("test", counts);
+  if (counts.all.TopOne() < options.at_least) throw std::runtime_error("the accuracy is too low");
 }
 
 }  // namespace

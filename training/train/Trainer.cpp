@@ -81,6 +81,29 @@ Network FreshNetwork(const TrainOptions& options, const ExampleSource& source, R
   return network;
 }
 
+// What the loss looks up by an example's class: the columns that its head does not have, and the
+// smoothed probabilities that are wanted of the others.
+struct ClassTables {
+  Tensor closed;  // classes x columns: a large negative number in the columns of other heads
+  Tensor wanted;  // classes x columns
+};
+
+ClassTables MakeTables(const TrainOptions& options, int columns) {
+  constexpr float kClosed = -1e9f;
+  const std::vector<Head> heads =
+      options.heads.empty() ? std::vector<Head>{{0, columns}} : options.heads;
+  ClassTables tables{torch::full({columns, columns}, kClosed), torch::zeros({columns, columns})};
+  for (const Head& head : heads) {
+    const auto smooth = static_cast<float>(options.smoothing / (head.end - head.begin));
+    for (int c = head.begin; c < head.end; ++c) {
+      tables.closed[c].slice(0, head.begin, head.end).fill_(0.0f);
+      tables.wanted[c].slice(0, head.begin, head.end).fill_(smooth);
+      tables.wanted[c][c] += static_cast<float>(1.0 - options.smoothing);
+    }
+  }
+  return tables;
+}
+
 double RateAt(double progress, double highest) {
   constexpr double kRise = 0.2;
   if (progress < kRise) return highest * (0.1 + 0.9 * progress / kRise);
@@ -114,6 +137,7 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   Layers layers = LayersOf(network);
   torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
 
+  const ClassTables tables = MakeTables(options, network.NumOutputs());
   std::vector<std::uint32_t> order(source.NumExamples());
   std::iota(order.begin(), order.end(), 0u);
   const auto batch = std::min(static_cast<std::size_t>(options.batch), order.size());
@@ -144,11 +168,11 @@ Network Train(const TrainOptions& options, ExampleSource& source,
       Scale(network, row_values);
       Tensor magnitude = torch::zeros({});
       const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
-      Tensor loss = torch::nn::functional::cross_entropy(
-          scores, classes,
-          torch::nn::functional::CrossEntropyFuncOptions().label_smoothing(options.smoothing));
+      const Tensor open = scores + tables.closed.index_select(0, classes);
+      Tensor loss =
+          -(tables.wanted.index_select(0, classes) * torch::log_softmax(open, 1)).sum(1).mean();
       loss_sum += loss.item<double>();
-      right += scores.detach().argmax(1).eq(classes).sum().item<double>();
+      right += open.detach().argmax(1).eq(classes).sum().item<double>();
       if (options.sparsity > 0.0) loss = loss + options.sparsity * magnitude;
       adam.zero_grad();
       loss.backward();
