@@ -1,16 +1,18 @@
-// Trains a frame or phoneme classifier and writes it as a checkpoint, and as a model file for the
-// engine.
+// Trains a frame or phoneme classifier, or one of plain vectors, and writes it as a checkpoint, and
+// as a model file for the engine.
 //
 //   train-network --kind frame --features work/a.features --epochs 6 --out work/frame.net
 //       --model frame.model
 //   train-network --kind frame --features work/all.features --start work/frame.net --rate 1.2e-3
 //   ... train-network --kind phoneme --hidden 384 128 --batch 512 --dropout 0.2 --epochs 9 ...
+//   ... train-network --kind vector --hidden 24 12 --features work/a.vectors ...
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -21,6 +23,7 @@
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
 #include "training/train/Trainer.h"
+#include "training/train/VectorSource.h"
 
 namespace veral3::training {
 namespace {
@@ -39,17 +42,61 @@ struct Options {
   TrainOptions train;
 };
 
-std::vector<FeatureFile> Open(const std::vector<std::string>& folders) {
-  std::vector<FeatureFile> files;
-  for (const std::string& folder : folders) files.emplace_back(folder);
-  return files;
+// Examples and the files that they are in.
+struct Examples {
+  std::vector<FeatureFile> features;
+  std::vector<VectorFile> vectors;
+  std::unique_ptr<ExampleSource> source;
+};
+
+Examples ExamplesOf(const std::string& kind, const CPhonemeSet& set,
+                    const std::vector<std::string>& paths, int jitter) {
+  Examples examples;
+  for (const std::string& path : paths) {
+    if (kind == "vector") {
+      examples.vectors.emplace_back(path);
+    } else {
+      examples.features.emplace_back(path);
+    }
+  }
+  if (kind == "frame") {
+    examples.source = std::make_unique<FrameSource>(set, examples.features, jitter);
+  } else if (kind == "phoneme") {
+    examples.source = std::make_unique<PhonemeSource>(set, examples.features, jitter);
+  } else if (kind == "vector") {
+    examples.source = std::make_unique<VectorSource>(examples.vectors);
+  } else {
+    throw std::runtime_error("no such kind of network: " + kind);
+  }
+  return examples;
 }
 
-std::unique_ptr<ExampleSource> SourceOf(const std::string& kind, const CPhonemeSet& set,
-                                        const std::vector<FeatureFile>& files, int jitter) {
-  if (kind == "frame") return std::make_unique<FrameSource>(set, files, jitter);
-  if (kind == "phoneme") return std::make_unique<PhonemeSource>(set, files, jitter);
-  throw std::runtime_error("no such kind of network: " + kind);
+// The same for plain vectors, with a row for each class: how its examples were classed.
+double MeasureVectors(const Network& network, ExampleSource& source) {
+  const auto classes = static_cast<std::size_t>(source.NumClasses());
+  ClassCounts counts(source.NumClasses());
+  std::vector<std::size_t> confusion(classes * classes, 0);
+  std::vector<std::uint32_t> all(source.NumExamples());
+  std::iota(all.begin(), all.end(), 0U);
+  std::vector<float> inputs(all.size() * static_cast<std::size_t>(source.NumInputs()));
+  std::vector<std::int64_t> truth(all.size());
+  source.Fill(all, inputs, truth);
+  const std::vector<float> scores = Classify(network, inputs);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const auto first = scores.begin() + static_cast<std::ptrdiff_t>(i * classes);
+    const std::vector<double> row(first, first + static_cast<std::ptrdiff_t>(classes));
+    counts.Add(static_cast<int>(truth[i]), row);
+    const auto said = static_cast<std::size_t>(std::ranges::max_element(row) - row.begin());
+    ++confusion[static_cast<std::size_t>(truth[i]) * classes + said];
+  }
+  std::printf("test: %zu examples, right %.4f, macro F1 %.4f\n", counts.Total(), counts.TopOne(),
+              counts.MacroF1());
+  for (std::size_t c = 0; c < classes; ++c) {
+    std::printf("class %zu said to be", c);
+    for (std::size_t k = 0; k < classes; ++k) std::printf(" %zu", confusion[c * classes + k]);
+    std::printf("\n");
+  }
+  return counts.TopOne();
 }
 
 // Prints how many examples have their phoneme most probable; a frame's phoneme by the sum of its
@@ -96,17 +143,17 @@ double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& so
 void Run(const Options& options) {
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
   if (set == nullptr) throw std::runtime_error("no such language");
-  const std::vector<FeatureFile> files = Open(options.features);
-  const auto source = SourceOf(options.kind, *set, files, options.jitter);
-  std::printf("%zu examples\n", source->NumExamples());
+  const Examples examples = ExamplesOf(options.kind, *set, options.features, options.jitter);
+  std::printf("%zu examples\n", examples.source->NumExamples());
   std::optional<Network> start;
   if (!options.start.empty()) start = LoadCheckpoint(options.start);
-  const Network network = Train(options.train, *source, start);
+  const Network network = Train(options.train, *examples.source, start);
   SaveCheckpoint(network, options.out);
   if (!options.model.empty()) ExportModel(network, options.version, options.model);
   if (options.test_features.empty()) return;
-  const std::vector<FeatureFile> test_files = Open(options.test_features);
-  const double accuracy = Measure(network, *set, *SourceOf(options.kind, *set, test_files, 0));
+  const Examples test = ExamplesOf(options.kind, *set, options.test_features, 0);
+  const double accuracy = options.kind == "vector" ? MeasureVectors(network, *test.source)
+                                                   : Measure(network, *set, *test.source);
   if (accuracy < options.at_least) throw std::runtime_error("the accuracy is too low");
 }
 
@@ -115,9 +162,10 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   veral3::training::Options options;
-  CLI::App app("Trains a frame or phoneme classifier.");
-  app.add_option("--kind", options.kind, "frame or phoneme")->required();
-  app.add_option("--features", options.features, "feature folders to learn from")->required();
+  CLI::App app("Trains a frame, phoneme or vector classifier.");
+  app.add_option("--kind", options.kind, "frame, phoneme or vector")->required();
+  app.add_option("--features", options.features, "feature folders (vector: files) to learn from")
+      ->required();
   app.add_option("--test", options.test_features, "feature folders to measure on");
   app.add_option("--at-least", options.at_least, "fail below this accuracy on the test");
   app.add_option("--start", options.start, "checkpoint to go on from");
