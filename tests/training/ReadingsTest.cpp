@@ -5,7 +5,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "training/goodness/Judgement.h"
 #include "training/goodness/Readings.h"
 #include "training/measure/Scores.h"
 
@@ -153,12 +152,6 @@ TEST(Readings, NeedSomethingToBeWrongWith) {
   EXPECT_FALSE(maker.HasForeign());
   Random random(1);
   EXPECT_THROW(maker.Make(0, ReadingKind::kOtherLanguage, random), std::runtime_error);
-}
-
-TEST(GoodnessFactor, FallsWithTheProbability) {
-  EXPECT_DOUBLE_EQ(GoodnessFactor(1.0), 1.0);
-  EXPECT_DOUBLE_EQ(GoodnessFactor(std::exp(-1.0)), 0.5);
-  EXPECT_EQ(GoodnessFactor(0.0), 0.0);
 }
 
 TEST(Percentile, IsTheNearestValueRoundedUp) {

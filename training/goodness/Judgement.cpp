@@ -1,6 +1,5 @@
 #include "training/goodness/Judgement.h"
 
-#include <cmath>
 #include <sstream>
 #include <string>
 
@@ -23,10 +22,6 @@ std::optional<Judgement> Judge(LanguageType language, const Reading& reading) {
   audio.PrepareUttGoodnessFeatures(judgement.features.data());
   judgement.probability = audio.GetProbOfGoodAlignment();
   return judgement;
-}
-
-double GoodnessFactor(double probability) {
-  return probability > 0.0 ? 1.0 / (1.0 - std::log(probability)) : 0.0;
 }
 
 std::vector<std::int32_t> WordStarts(LanguageType language, const Utterance& utterance) {

@@ -22,9 +22,6 @@ struct Judgement {
 // as far as its goodness.
 std::optional<Judgement> Judge(LanguageType language, const Reading& reading);
 
-// What all scores are scaled by, given the probability.
-double GoodnessFactor(double probability);
-
 // The samples at which the words of an utterance begin, as the engine aligns it to its text. Empty
 // when it can't.
 std::vector<std::int32_t> WordStarts(LanguageType language, const Utterance& utterance);

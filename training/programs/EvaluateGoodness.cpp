@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "grading/TotalScore.h"
 #include "training/common/ParallelFor.h"
 #include "training/engine/Engine.h"
 #include "training/goodness/Judgement.h"
