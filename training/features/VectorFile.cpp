@@ -1,23 +1,20 @@
 #include "training/features/VectorFile.h"
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
-#include <string>
 #include <utility>
 
 namespace veral3::training {
 namespace {
 
-constexpr std::array<char, 8> kMagic = {'V', '3', 'V', 'E', 'C', 'S', '1', '\n'};
-constexpr std::int32_t kMostInputs = 4096;
-constexpr std::int32_t kMostClasses = 256;  // a class is one byte
+constexpr std::array<char, 8> kMagic = {'V', '3', 'V', 'E', 'C', 'T', '1', '\n'};
+constexpr std::size_t kHeader = kMagic.size() + 2 * sizeof(std::int32_t);
+constexpr std::int32_t kMost = 1 << 14;  // inputs; more is damage
+constexpr std::int32_t kMostClasses = 256;
 
 std::filesystem::path Unfinished(const std::filesystem::path& path) {
   return path.string() + ".part";
-}
-
-std::runtime_error Failure(const char* what, const std::filesystem::path& path) {
-  return std::runtime_error(std::string(what) + " " + path.string());
 }
 
 }  // namespace
@@ -26,53 +23,64 @@ VectorWriter::VectorWriter(std::filesystem::path path, int inputs, int classes)
     : m_path(std::move(path)),
       m_file(Unfinished(m_path), std::ios::binary),
       m_inputs(inputs),
-      m_classes(classes) {
-  if (inputs < 1 || inputs > kMostInputs || classes < 1 || classes > kMostClasses) {
-    throw std::invalid_argument("no such size of examples");
+      m_num_classes(classes) {
+  if (inputs < 1 || inputs > kMost || classes < 1 || classes > kMostClasses) {
+    throw std::invalid_argument("no such number of inputs or classes");
   }
+  const std::int32_t counts[] = {inputs, classes};
   m_file.write(kMagic.data(), kMagic.size());
-  for (const std::int32_t value : {inputs, classes}) {
-    m_file.write(reinterpret_cast<const char*>(&value), sizeof value);
-  }
+  m_file.write(reinterpret_cast<const char*>(counts), sizeof counts);
+  if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
 }
 
-void VectorWriter::Write(std::span<const float> row, int its_class) {
-  if (row.size() != static_cast<std::size_t>(m_inputs) || its_class < 0 || its_class >= m_classes) {
-    throw std::invalid_argument("an example of another size or class than the file's");
+void VectorWriter::Write(std::span<const float> row, int example_class) {
+  if (row.size() != static_cast<std::size_t>(m_inputs) || example_class < 0 ||
+      example_class >= m_num_classes) {
+    throw std::invalid_argument("an example does not fit " + m_path.string());
   }
   m_file.write(reinterpret_cast<const char*>(row.data()),
                static_cast<std::streamsize>(row.size_bytes()));
-  m_file.put(static_cast<char>(its_class));
-  ++m_count;
+  m_classes.push_back(static_cast<std::uint8_t>(example_class));
+  if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
 }
 
 void VectorWriter::Close() {
+  m_file.write(reinterpret_cast<const char*>(m_classes.data()),
+               static_cast<std::streamsize>(m_classes.size()));
   m_file.close();
-  if (!m_file) throw Failure("cannot write", m_path);
+  if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
   std::filesystem::rename(Unfinished(m_path), m_path);
 }
 
-VectorFile::VectorFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
+VectorFile ReadVectorFile(const std::filesystem::path& path) {
+  const auto refuse = [&]() -> VectorFile {
+    throw std::runtime_error(path.string() + " holds no vectors");
+  };
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  if (!file) return refuse();
+  const auto size = static_cast<std::size_t>(file.tellg());
+  file.seekg(0);
   std::array<char, 8> magic{};
-  std::array<std::int32_t, 2> sizes{};
+  std::int32_t counts[2] = {};
   file.read(magic.data(), magic.size());
-  file.read(reinterpret_cast<char*>(sizes.data()), sizeof sizes);
-  if (!file || magic != kMagic || sizes[0] < 1 || sizes[0] > kMostInputs || sizes[1] < 1 ||
-      sizes[1] > kMostClasses) {
-    throw Failure("no examples in", path);
-  }
-  m_inputs = sizes[0];
-  m_classes = sizes[1];
-  std::vector<float> row(static_cast<std::size_t>(m_inputs));
-  while (file.read(reinterpret_cast<char*>(row.data()),
-                   static_cast<std::streamsize>(row.size() * sizeof(float)))) {
-    const int its_class = file.get();
-    if (its_class < 0 || its_class >= m_classes) throw Failure("damaged:", path);
-    m_rows.insert(m_rows.end(), row.begin(), row.end());
-    m_labels.push_back(static_cast<std::uint8_t>(its_class));
-  }
-  if (file.gcount() != 0) throw Failure("cut short:", path);
+  file.read(reinterpret_cast<char*>(counts), sizeof counts);
+  const bool fits =
+      counts[0] >= 1 && counts[0] <= kMost && counts[1] >= 1 && counts[1] <= kMostClasses;
+  if (!file || magic != kMagic || !fits) return refuse();
+  VectorFile vectors{counts[0], counts[1], {}, {}};
+  const auto width = static_cast<std::size_t>(counts[0]);
+  const std::size_t bytes_each = width * sizeof(float) + 1;
+  if ((size - kHeader) % bytes_each != 0) return refuse();
+  const std::size_t examples = (size - kHeader) / bytes_each;
+  vectors.rows.resize(examples * width);
+  vectors.class_of.resize(examples);
+  file.read(reinterpret_cast<char*>(vectors.rows.data()),
+            static_cast<std::streamsize>(vectors.rows.size() * sizeof(float)));
+  file.read(reinterpret_cast<char*>(vectors.class_of.data()),
+            static_cast<std::streamsize>(examples));
+  const auto in_range = [&](std::uint8_t example) { return example < counts[1]; };
+  if (!file || !std::ranges::all_of(vectors.class_of, in_range)) return refuse();
+  return vectors;
 }
 
 }  // namespace veral3::training

@@ -1,61 +1,50 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <span>
 #include <vector>
 
-// Examples of a small classifier on disk: rows of as many single-precision inputs as the file says,
-// each with the number of its class. Little-endian, read by these programs only. Written to a
-// temporary name and renamed by Close, so that a file under its own name is whole.
+// Plain examples on disk: rows of inputs as the engine would give them to a classifier, each with
+// its class. In the file: eight bytes of magic, the number of inputs and of classes (32 bits each),
+// then all rows (32-bit floats), then all classes (8 bits); little-endian.
 //
-//   VectorWriter writer("work/goodness.vectors", 16, 2);
-//   writer.Write(row, 0);
+//   VectorWriter writer("work/tone.vectors", 68, 5);
+//   writer.Write(row, 3);
 //   writer.Close();
-//
-//   VectorFile file("work/goodness.vectors");
-//   for (std::size_t i = 0; i < file.NumExamples(); ++i) use(file.Row(i), file.Class(i));
-//
-// All throw std::runtime_error, which names the file, when it cannot be written or read.
 namespace veral3::training {
 
+// Writes to a temporary name and renames it by Close. Throws std::runtime_error where the disk
+// refuses, std::invalid_argument for a row or a class that does not fit the counts.
 class VectorWriter {
  public:
   VectorWriter(std::filesystem::path path, int inputs, int classes);
-  // Throws std::invalid_argument for a row of another size or a class that the file does not have.
-  void Write(std::span<const float> row, int its_class);
+  void Write(std::span<const float> row, int example_class);
   void Close();
-  std::size_t NumExamples() const { return m_count; }
+  std::size_t NumExamples() const { return m_classes.size(); }
 
  private:
   std::filesystem::path m_path;
   std::ofstream m_file;
   int m_inputs;
-  int m_classes;
-  std::size_t m_count = 0;
+  int m_num_classes;
+  std::vector<std::uint8_t> m_classes;
 };
 
-// The whole file in memory.
-class VectorFile {
- public:
-  explicit VectorFile(const std::filesystem::path& path);
+struct VectorFile {
+  int inputs = 0;
+  int classes = 0;
+  std::vector<float> rows;             // inputs x examples
+  std::vector<std::uint8_t> class_of;  // one an example, below `classes`
 
-  int NumInputs() const { return m_inputs; }
-  int NumClasses() const { return m_classes; }
-  std::size_t NumExamples() const { return m_labels.size(); }
   std::span<const float> Row(std::size_t example) const {
-    return std::span(m_rows).subspan(example * static_cast<std::size_t>(m_inputs),
-                                     static_cast<std::size_t>(m_inputs));
+    const auto width = static_cast<std::size_t>(inputs);
+    return std::span(rows).subspan(example * width, width);
   }
-  int Class(std::size_t example) const { return m_labels[example]; }
-
- private:
-  int m_inputs = 0;
-  int m_classes = 0;
-  std::vector<float> m_rows;
-  std::vector<std::uint8_t> m_labels;
 };
+
+// Throws std::runtime_error for what is no whole file of vectors.
+VectorFile ReadVectorFile(const std::filesystem::path& path);
 
 }  // namespace veral3::training

@@ -136,7 +136,9 @@ void Run(const Options& options) {
       const auto tutor = readings.Speak(sentence, voice, SenseFault::kNone);
       Trial trial;
       for (const SenseFault fault : readings.Faults()) {
-        const auto learner = readings.Speak(sentence, voice, fault);
+        // The synthesiser never speaks the same twice, so the tutor's recording itself.
+        const auto learner =
+            fault == SenseFault::kNone ? tutor : readings.Speak(sentence, voice, fault);
         const auto grades = GradeOne(language, readings.Sentences()[sentence].text, tutor, learner);
         if (grades) trial[fault] = *grades;
       }

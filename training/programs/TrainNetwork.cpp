@@ -1,18 +1,17 @@
-// Trains a frame or phoneme classifier, or one of plain vectors, and writes it as a checkpoint, and
-// as a model file for the engine.
+// Trains a classifier of frames, phonemes or plain vectors and writes it as a checkpoint, and as a
+// model file for the engine.
 //
 //   train-network --kind frame --features work/a.features --epochs 6 --out work/frame.net
 //       --model frame.model
 //   train-network --kind frame --features work/all.features --start work/frame.net --rate 1.2e-3
 //   ... train-network --kind phoneme --hidden 384 128 --batch 512 --dropout 0.2 --epochs 9 ...
-//   ... train-network --kind vector --hidden 24 12 --features work/a.vectors ...
+//   ... train-network --kind vector --features work/tone.vectors --hidden 64 32 ...
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -42,76 +41,58 @@ struct Options {
   TrainOptions train;
 };
 
-// Examples and the files that they are in.
-struct Examples {
-  std::vector<FeatureFile> features;
-  std::vector<VectorFile> vectors;
-  std::unique_ptr<ExampleSource> source;
-};
-
-Examples ExamplesOf(const std::string& kind, const CPhonemeSet& set,
-                    const std::vector<std::string>& paths, int jitter) {
-  Examples examples;
-  for (const std::string& path : paths) {
+// The examples of some files, with what holds them in memory.
+class Examples {
+ public:
+  Examples(const std::string& kind, const CPhonemeSet& set, const std::vector<std::string>& paths,
+           int jitter) {
     if (kind == "vector") {
-      examples.vectors.emplace_back(path);
+      for (const std::string& path : paths) m_vectors.push_back(ReadVectorFile(path));
+      m_source = std::make_unique<VectorSource>(m_vectors);
+      return;
+    }
+    for (const std::string& path : paths) m_features.emplace_back(path);
+    if (kind == "frame") {
+      m_source = std::make_unique<FrameSource>(set, m_features, jitter);
+    } else if (kind == "phoneme") {
+      m_source = std::make_unique<PhonemeSource>(set, m_features, jitter);
     } else {
-      examples.features.emplace_back(path);
+      throw std::runtime_error("no such kind of network: " + kind);
     }
   }
-  if (kind == "frame") {
-    examples.source = std::make_unique<FrameSource>(set, examples.features, jitter);
-  } else if (kind == "phoneme") {
-    examples.source = std::make_unique<PhonemeSource>(set, examples.features, jitter);
-  } else if (kind == "vector") {
-    examples.source = std::make_unique<VectorSource>(examples.vectors);
-  } else {
-    throw std::runtime_error("no such kind of network: " + kind);
-  }
-  return examples;
+
+  ExampleSource& Source() { return *m_source; }
+
+ private:
+  std::vector<FeatureFile> m_features;
+  std::vector<VectorFile> m_vectors;
+  std::unique_ptr<ExampleSource> m_source;
+};
+
+// What is counted together when a network is measured.
+struct Grouping {
+  std::size_t columns_each = 1;  // of a class: three states of a phoneme
+  int pause = -1;                // class that is also left out; -1 for none
+};
+
+Grouping GroupingOf(const std::string& kind, const CPhonemeSet& set) {
+  if (kind == "vector") return {};
+  return {kind == "frame" ? 3u : 1u, set.GetPhonemeIndex('-')};
 }
 
-// The same for plain vectors, with a row for each class: how its examples were classed.
-double MeasureVectors(const Network& network, ExampleSource& source) {
-  const auto classes = static_cast<std::size_t>(source.NumClasses());
-  ClassCounts counts(source.NumClasses());
-  std::vector<std::size_t> confusion(classes * classes, 0);
-  std::vector<std::uint32_t> all(source.NumExamples());
-  std::iota(all.begin(), all.end(), 0U);
-  std::vector<float> inputs(all.size() * static_cast<std::size_t>(source.NumInputs()));
-  std::vector<std::int64_t> truth(all.size());
-  source.Fill(all, inputs, truth);
-  const std::vector<float> scores = Classify(network, inputs);
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    const auto first = scores.begin() + static_cast<std::ptrdiff_t>(i * classes);
-    const std::vector<double> row(first, first + static_cast<std::ptrdiff_t>(classes));
-    counts.Add(static_cast<int>(truth[i]), row);
-    const auto said = static_cast<std::size_t>(std::ranges::max_element(row) - row.begin());
-    ++confusion[static_cast<std::size_t>(truth[i]) * classes + said];
-  }
-  std::printf("test: %zu examples, right %.4f, macro F1 %.4f\n", counts.Total(), counts.TopOne(),
-              counts.MacroF1());
-  for (std::size_t c = 0; c < classes; ++c) {
-    std::printf("class %zu said to be", c);
-    for (std::size_t k = 0; k < classes; ++k) std::printf(" %zu", confusion[c * classes + k]);
-    std::printf("\n");
-  }
-  return counts.TopOne();
-}
-
-// Prints how many examples have their phoneme most probable; a frame's phoneme by the sum of its
+// Prints how many examples have their class most probable; a frame's phoneme by the sum of its
 // three states. Returns that share.
-double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& source) {
+double Measure(const Network& network, const Grouping& grouping, ExampleSource& source) {
   Random random(1);
   source.BeginEpoch(random);
   constexpr std::uint32_t kChunk = 8192;
   const auto columns = static_cast<std::size_t>(source.NumClasses());
-  const auto states = columns / static_cast<std::size_t>(set.GetSize());
-  const int pause = set.GetPhonemeIndex('-');
-  ClassCounts all(set.GetSize());
-  ClassCounts speech(set.GetSize());
+  const std::size_t states = grouping.columns_each;
+  const auto num_classes = static_cast<int>(columns / states);
+  ClassCounts all(num_classes);
+  ClassCounts speech(num_classes);
   std::vector<std::uint32_t> examples;
-  std::vector<double> sums(static_cast<std::size_t>(set.GetSize()));
+  std::vector<double> sums(columns / states);
   for (std::uint32_t first = 0; first < source.NumExamples(); first += kChunk) {
     examples.clear();
     for (std::uint32_t i = first; i < std::min<std::size_t>(first + kChunk, source.NumExamples());
@@ -129,11 +110,12 @@ double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& so
       }
       const int truth = static_cast<int>(classes[i]) / static_cast<int>(states);
       all.Add(truth, sums);
-      if (truth != pause) speech.Add(truth, sums);
+      if (truth != grouping.pause) speech.Add(truth, sums);
     }
   }
   for (const auto& [what, counts] :
        {std::pair{"all", &all}, std::pair{"without pauses", &speech}}) {
+    if (counts == &speech && grouping.pause < 0) continue;
     std::printf("test, %s: %zu examples, top-1 %.4f, top-3 %.4f, macro F1 %.4f\n", what,
                 counts->Total(), counts->TopOne(), counts->TopThree(), counts->MacroF1());
   }
@@ -143,17 +125,16 @@ double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& so
 void Run(const Options& options) {
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
   if (set == nullptr) throw std::runtime_error("no such language");
-  const Examples examples = ExamplesOf(options.kind, *set, options.features, options.jitter);
-  std::printf("%zu examples\n", examples.source->NumExamples());
+  Examples examples(options.kind, *set, options.features, options.jitter);
+  std::printf("%zu examples\n", examples.Source().NumExamples());
   std::optional<Network> start;
   if (!options.start.empty()) start = LoadCheckpoint(options.start);
-  const Network network = Train(options.train, *examples.source, start);
+  const Network network = Train(options.train, examples.Source(), start);
   SaveCheckpoint(network, options.out);
   if (!options.model.empty()) ExportModel(network, options.version, options.model);
   if (options.test_features.empty()) return;
-  const Examples test = ExamplesOf(options.kind, *set, options.test_features, 0);
-  const double accuracy = options.kind == "vector" ? MeasureVectors(network, *test.source)
-                                                   : Measure(network, *set, *test.source);
+  Examples test(options.kind, *set, options.test_features, 0);
+  const double accuracy = Measure(network, GroupingOf(options.kind, *set), test.Source());
   if (accuracy < options.at_least) throw std::runtime_error("the accuracy is too low");
 }
 
@@ -162,11 +143,12 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   veral3::training::Options options;
-  CLI::App app("Trains a frame, phoneme or vector classifier.");
+  CLI::App app("Trains a classifier of frames, phonemes or vectors.");
   app.add_option("--kind", options.kind, "frame, phoneme or vector")->required();
-  app.add_option("--features", options.features, "feature folders (vector: files) to learn from")
+  app.add_option("--features", options.features,
+                 "feature folders, or files of vectors, to learn from")
       ->required();
-  app.add_option("--test", options.test_features, "feature folders to measure on");
+  app.add_option("--test", options.test_features, "the same to measure on");
   app.add_option("--at-least", options.at_least, "fail below this accuracy on the test");
   app.add_option("--start", options.start, "checkpoint to go on from");
   app.add_option("--out", options.out, "checkpoint to write")->required();

@@ -6,29 +6,26 @@
 namespace veral3::training {
 
 VectorSource::VectorSource(std::span<const VectorFile> files) : m_files(files) {
-  if (files.empty()) throw std::runtime_error("no files of examples");
-  for (std::uint32_t file = 0; file < files.size(); ++file) {
-    if (files[file].NumInputs() != files[0].NumInputs() ||
-        files[file].NumClasses() != files[0].NumClasses()) {
-      throw std::runtime_error("files of examples with other inputs or classes");
+  if (files.empty()) throw std::runtime_error("no files of vectors");
+  for (const VectorFile& file : files) {
+    if (file.inputs != NumInputs() || file.classes != NumClasses()) {
+      throw std::runtime_error("files of vectors differ in inputs or classes");
     }
-    for (std::uint32_t row = 0; row < files[file].NumExamples(); ++row) {
-      m_examples.emplace_back(file, row);
+    for (std::size_t i = 0; i < file.class_of.size(); ++i) {
+      m_examples.push_back({file.Row(i), file.class_of[i]});
     }
   }
 }
 
-int VectorSource::NumInputs() const { return m_files[0].NumInputs(); }
-int VectorSource::NumClasses() const { return m_files[0].NumClasses(); }
+void VectorSource::BeginEpoch(Random&) {}
 
 void VectorSource::Fill(std::span<const std::uint32_t> examples, std::span<float> inputs,
                         std::span<std::int64_t> classes) const {
-  const auto columns = static_cast<std::size_t>(NumInputs());
+  float* out = inputs.data();
   for (std::size_t i = 0; i < examples.size(); ++i) {
-    const auto [file, row] = m_examples[examples[i]];
-    std::ranges::copy(m_files[file].Row(row),
-                      inputs.begin() + static_cast<std::ptrdiff_t>(i * columns));
-    classes[i] = m_files[file].Class(row);
+    const Example& example = m_examples[examples[i]];
+    out = std::ranges::copy(example.row, out).out;
+    classes[i] = example.example_class;
   }
 }
 

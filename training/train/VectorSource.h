@@ -1,7 +1,6 @@
 #pragma once
 
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "training/features/VectorFile.h"
@@ -9,23 +8,29 @@
 
 namespace veral3::training {
 
-// Examples for a small classifier: the rows of the given files, as they are.
+// Examples for a classifier of plain vectors (tones, goodness of utterances): all rows of the given
+// files, one file after the other, the same in every epoch.
 class VectorSource final : public ExampleSource {
  public:
-  // The files must outlive the source. Throws std::runtime_error when there are none, or when they
+  // The files must outlive the source. Throws std::runtime_error where there are none or they
   // differ in inputs or classes.
   explicit VectorSource(std::span<const VectorFile> files);
 
   std::size_t NumExamples() const override { return m_examples.size(); }
-  int NumInputs() const override;
-  int NumClasses() const override;
-  void BeginEpoch(Random&) override {}
+  int NumInputs() const override { return m_files.front().inputs; }
+  int NumClasses() const override { return m_files.front().classes; }
+  void BeginEpoch(Random& random) override;
   void Fill(std::span<const std::uint32_t> examples, std::span<float> inputs,
             std::span<std::int64_t> classes) const override;
 
  private:
+  struct Example {
+    std::span<const float> row;
+    int example_class;
+  };
+
   std::span<const VectorFile> m_files;
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> m_examples;  // file, row
+  std::vector<Example> m_examples;
 };
 
 }  // namespace veral3::training
