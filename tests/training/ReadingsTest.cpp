@@ -30,6 +30,8 @@ const std::vector<Utterance>& Foreign() {
   return utterances;
 }
 
+const CPhonemeSet& English() { return *PhonemeSetOf(kLanguageEnglish); }
+
 // As it comes, without noise or filters, so that samples can be counted.
 AugmentOptions Plain() {
   return {.warp_chance = 0.0,
@@ -59,11 +61,11 @@ int WordsThatDiffer(const std::string& a, const std::string& b) {
 }
 
 TEST(Readings, AreOfTheKindAskedFor) {
-  const ReadingMaker maker(Utterances(), Foreign(), Plain());
+  const ReadingMaker maker(English(), Utterances(), Foreign());
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
     Random random(seed);
     const auto seconds = [&](ReadingKind kind) {
-      const Reading reading = maker.Make(0, kind, random);
+      const Reading reading = maker.Make(0, kind, Plain(), random);
       EXPECT_EQ(reading.sentence, Utterances()[0].text);
       return SpeechSeconds(reading);
     };
@@ -83,12 +85,12 @@ TEST(Readings, AreOfTheKindAskedFor) {
 }
 
 TEST(Readings, PausesStandBetweenWordsAndTakeNoSpeech) {
-  const ReadingMaker maker(Utterances(), {}, Plain());
+  const ReadingMaker maker(English(), Utterances(), {});
   const std::vector<std::int32_t> starts = {2205, 4000, 6000, 8000, 10000, 12000};
   bool longer = false;
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
     Random random(seed);
-    const Reading reading = maker.Make(0, ReadingKind::kRightWithPauses, random, starts);
+    const Reading reading = maker.Make(0, ReadingKind::kRightWithPauses, Plain(), random, starts);
     EXPECT_NEAR(SpeechSeconds(reading), 0.5, 0.03);
     EXPECT_LT(reading.samples.size(), 15435U + 22050U * 3U);  // 3 pauses and the padding
     longer = longer || reading.samples.size() > 15435U + 22050U * 6U / 5U;  // more than padding
@@ -96,8 +98,31 @@ TEST(Readings, PausesStandBetweenWordsAndTakeNoSpeech) {
   EXPECT_TRUE(longer);
 }
 
+TEST(Readings, MispronouncedOnesTakePhonemesOfTheSameKindFromOthers) {
+  // A vowel of another height in the second sentence, and a consonant that must not be taken.
+  std::vector<Utterance> utterances = {Spoken("one two", 1000), Spoken("red green", 4000)};
+  utterances[1].labels = {{'-', 0}, {'i', 2205}, {'s', 6000}, {'-', 13230}};
+  std::fill(utterances[1].samples.begin() + 6000, utterances[1].samples.begin() + 13230, 9000);
+  utterances[0].labels.clear();
+  for (std::int32_t start = 2205; start < 13230; start += 1102) {
+    utterances[0].labels.push_back({'A', start});
+  }
+  const ReadingMaker maker(English(), utterances, {});
+  int exchanged = 0;
+  for (std::uint64_t seed = 0; seed < 40; ++seed) {
+    Random random(seed);
+    AugmentOptions plain = Plain();
+    const Reading reading = maker.Make(0, ReadingKind::kMispronounced, plain, random);
+    EXPECT_EQ(reading.sentence, "one two");
+    // Longer by the vowel of the other sentence, once for each that was exchanged.
+    exchanged += SpeechSeconds(reading) > 0.55;
+  }
+  EXPECT_GT(exchanged, 10);
+  EXPECT_LT(exchanged, 40);
+}
+
 TEST(Readings, OneThirdOfTheWordsAreExchanged) {
-  const ReadingMaker maker(Utterances(), {}, Plain());
+  const ReadingMaker maker(English(), Utterances(), {});
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
     Random random(seed);
     const std::string six = maker.WithWordsChanged(Utterances()[0].text, random);
@@ -105,19 +130,19 @@ TEST(Readings, OneThirdOfTheWordsAreExchanged) {
     EXPECT_EQ(WordsThatDiffer("red green blue", maker.WithWordsChanged("red green blue", random)),
               1);
     EXPECT_NE(maker.WithWordsChanged("red", random), "red");
-    const Reading reading = maker.Make(0, ReadingKind::kWordsChanged, random);
+    const Reading reading = maker.Make(0, ReadingKind::kWordsChanged, Plain(), random);
     EXPECT_NE(reading.sentence, Utterances()[0].text);
   }
 }
 
 TEST(Readings, SilenceNoiseAndTonesAreNoSpeech) {
-  const ReadingMaker maker(Utterances(), {}, Plain());
+  const ReadingMaker maker(English(), Utterances(), {});
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
     Random random(seed);
-    const Reading silence = maker.Make(1, ReadingKind::kSilence, random);
+    const Reading silence = maker.Make(1, ReadingKind::kSilence, Plain(), random);
     EXPECT_TRUE(std::ranges::all_of(silence.samples, [](int x) { return std::abs(x) < 400; }));
     for (const ReadingKind kind : {ReadingKind::kNoise, ReadingKind::kTones}) {
-      const Reading reading = maker.Make(1, kind, random);
+      const Reading reading = maker.Make(1, kind, Plain(), random);
       EXPECT_EQ(reading.sentence, "red green blue");
       EXPECT_GE(reading.samples.size(), 13000U);
       EXPECT_LE(reading.samples.size(), 100000U);
@@ -127,12 +152,12 @@ TEST(Readings, SilenceNoiseAndTonesAreNoSpeech) {
 }
 
 TEST(Readings, TheSameNumbersMakeTheSameReading) {
-  const ReadingMaker maker(Utterances(), Foreign(), AugmentOptions{});
+  const ReadingMaker maker(English(), Utterances(), Foreign());
   for (const ReadingKind kind : kReadingKinds) {
     Random first(5);
     Random second(5);
-    const Reading a = maker.Make(1, kind, first);
-    const Reading b = maker.Make(1, kind, second);
+    const Reading a = maker.Make(1, kind, AugmentOptions{}, first);
+    const Reading b = maker.Make(1, kind, AugmentOptions{}, second);
     EXPECT_EQ(a.sentence, b.sentence);
     EXPECT_EQ(a.samples, b.samples) << NameOf(kind);
   }
@@ -147,11 +172,11 @@ TEST(Readings, HaveNamesOfTheirOwn) {
 
 TEST(Readings, NeedSomethingToBeWrongWith) {
   const std::vector<Utterance> one = {Spoken("red green", 1), Spoken("red green", 2)};
-  EXPECT_THROW(ReadingMaker(one, {}, Plain()), std::runtime_error);
-  const ReadingMaker maker(Utterances(), {}, Plain());
+  EXPECT_THROW(ReadingMaker(English(), one, {}), std::runtime_error);
+  const ReadingMaker maker(English(), Utterances(), {});
   EXPECT_FALSE(maker.HasForeign());
   Random random(1);
-  EXPECT_THROW(maker.Make(0, ReadingKind::kOtherLanguage, random), std::runtime_error);
+  EXPECT_THROW(maker.Make(0, ReadingKind::kOtherLanguage, Plain(), random), std::runtime_error);
 }
 
 TEST(Percentile, IsTheNearestValueRoundedUp) {

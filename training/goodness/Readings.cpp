@@ -63,6 +63,24 @@ Samples CutAt(const Samples& samples, std::size_t place) {
   return cut;
 }
 
+Samples SamplesOfLabel(const Utterance& utterance, std::size_t label) {
+  const auto begin = utterance.samples.begin() + utterance.labels[label].start;
+  const auto end = label + 1 < utterance.labels.size()
+                       ? utterance.samples.begin() + utterance.labels[label + 1].start
+                       : utterance.samples.end();
+  return {begin, end};
+}
+
+// Over 2 ms, so that a cut is not heard as a click.
+void FadeEnds(Samples& samples) {
+  const std::size_t fade = std::min(SamplesOf(0.002), samples.size() / 2);
+  for (std::size_t i = 0; i < fade; ++i) {
+    for (std::int16_t* x : {&samples[i], &samples[samples.size() - 1 - i]}) {
+      *x = static_cast<std::int16_t>(*x * static_cast<int>(i) / static_cast<int>(fade));
+    }
+  }
+}
+
 // A part of a recording: half of it at least.
 Samples PartOf(const Utterance& utterance, Random& random) {
   const auto [begin, end] = SpeechOf(utterance);
@@ -145,8 +163,9 @@ Samples Tones(Random& random) {
 
 }  // namespace
 
-bool IsRight(ReadingKind kind) {
-  return kind == ReadingKind::kRight || kind == ReadingKind::kRightWithPauses;
+bool IsReading(ReadingKind kind) {
+  return kind == ReadingKind::kRight || kind == ReadingKind::kRightWithPauses ||
+         kind == ReadingKind::kMispronounced;
 }
 
 std::string_view NameOf(ReadingKind kind) {
@@ -155,6 +174,8 @@ std::string_view NameOf(ReadingKind kind) {
       return "right reading";
     case ReadingKind::kRightWithPauses:
       return "right reading with pauses";
+    case ReadingKind::kMispronounced:
+      return "right reading with one phoneme in eight exchanged";
     case ReadingKind::kOtherSentence:
       return "unrelated sentence";
     case ReadingKind::kWordsChanged:
@@ -179,9 +200,9 @@ std::string_view NameOf(ReadingKind kind) {
   return "";
 }
 
-ReadingMaker::ReadingMaker(std::span<const Utterance> utterances,
-                           std::span<const Utterance> foreign, const AugmentOptions& augment)
-    : m_utterances(utterances), m_foreign(foreign), m_augment(augment) {
+ReadingMaker::ReadingMaker(const CPhonemeSet& set, std::span<const Utterance> utterances,
+                           std::span<const Utterance> foreign)
+    : m_set(set), m_utterances(utterances), m_foreign(foreign) {
   std::set<std::string> words;
   std::set<std::string> sentences;
   for (const Utterance& utterance : utterances) {
@@ -220,26 +241,50 @@ std::string ReadingMaker::WithWordsChanged(const std::string& sentence, Random& 
   return text;
 }
 
-Utterance ReadingMaker::Augmented(Samples samples, Random& random) const {
-  return Augment({"", "", {}, std::move(samples)}, m_augment, random);
+Samples ReadingMaker::Mispronounced(const Utterance& one, Random& random) const {
+  const auto is_vowel = [this](char symbol) { return m_set.IsVowel(static_cast<wchar_t>(symbol)); };
+  Samples out;
+  for (std::size_t i = 0; i < one.labels.size(); ++i) {
+    Samples part = SamplesOfLabel(one, i);
+    const char symbol = one.labels[i].symbol;
+    if (symbol != '-' && random.Chance(1.0 / 8)) {
+      constexpr int kTries = 100;  // a corpus may lack another phoneme of the kind
+      for (int k = 0; k < kTries; ++k) {
+        const Utterance& giver = m_utterances[random.Below(m_utterances.size())];
+        if (giver.labels.empty()) continue;
+        const std::size_t place = random.Below(giver.labels.size());
+        const char other = giver.labels[place].symbol;
+        if (other == '-' || other == symbol || is_vowel(other) != is_vowel(symbol)) continue;
+        part = SamplesOfLabel(giver, place);
+        FadeEnds(part);
+        break;
+      }
+    }
+    out.insert(out.end(), part.begin(), part.end());
+  }
+  return out;
 }
 
-Reading ReadingMaker::Make(std::size_t number, ReadingKind kind, Random& random,
-                           std::span<const std::int32_t> word_starts) const {
+Reading ReadingMaker::Make(std::size_t number, ReadingKind kind, const AugmentOptions& augment,
+                           Random& random, std::span<const std::int32_t> word_starts) const {
   const Utterance& one = m_utterances[number];
   const auto from = [&](Samples samples) {
-    return Reading{one.text, Augmented(std::move(samples), random).samples};
+    const Utterance clean{
+        .text = one.text, .voice = "", .labels = {}, .samples = std::move(samples)};
+    return Reading{one.text, Augment(clean, augment, random).samples};
   };
   switch (kind) {
     case ReadingKind::kRight:
       break;
     case ReadingKind::kRightWithPauses:
       return from(WithPauses(one.samples, word_starts, random));
+    case ReadingKind::kMispronounced:
+      return from(Mispronounced(one, random));
     case ReadingKind::kOtherSentence:
       return from(AnotherThan(one, random).samples);
     case ReadingKind::kWordsChanged: {
       std::string sentence = WithWordsChanged(one.text, random);
-      return {std::move(sentence), Augmented(one.samples, random).samples};
+      return {std::move(sentence), from(one.samples).samples};
     }
     case ReadingKind::kCutOff: {
       const auto [begin, end] = SpeechOf(one);

@@ -48,7 +48,7 @@ Outcome Measure(const Options& options, const std::vector<Utterance>& utterances
     Random random(MixSeed(options.seed + static_cast<std::uint64_t>(kind), i));
     std::vector<std::int32_t> starts;
     if (kind == ReadingKind::kRightWithPauses) starts = WordStarts(language, utterances[i]);
-    judgements[i] = Judge(language, maker.Make(i, kind, random, starts));
+    judgements[i] = Judge(language, maker.Make(i, kind, AugmentOptions{}, random, starts));
   });
   Outcome outcome;
   for (const auto& judgement : judgements) {
@@ -68,7 +68,7 @@ void Run(const Options& options) {
   std::erase_if(utterances,
                 [&](const Utterance& one) { return !KnowsAllWords(language, one.text); });
   const std::vector<Utterance> foreign = ReadCorpora(options.foreign, 400);
-  const ReadingMaker maker(utterances, foreign, AugmentOptions{});
+  const ReadingMaker maker(*PhonemeSetOf(language), utterances, foreign);
   std::vector<double> right;
   for (const ReadingKind kind : kReadingKinds) {
     if (kind == ReadingKind::kOtherLanguage && !maker.HasForeign()) continue;
@@ -76,9 +76,9 @@ void Run(const Options& options) {
     std::vector<double> factors;
     for (const double p : outcome.probabilities) factors.push_back(GoodnessFactor(p));
     std::printf("%s | goodness, %s | ", options.name.c_str(), std::string(NameOf(kind)).c_str());
-    if (IsRight(kind)) {
+    if (kind == ReadingKind::kRight || kind == ReadingKind::kRightWithPauses) {
       right.insert(right.end(), outcome.probabilities.begin(), outcome.probabilities.end());
-    } else {
+    } else if (!IsReading(kind)) {
       std::printf("area under curve %.4f | ", AreaUnderCurve(right, outcome.probabilities));
     }
     std::printf("factor: median %.3f, tenth percentile %.3f, ninetieth %.3f | %zu readings",
