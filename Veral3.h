@@ -9,3 +9,4 @@
 #include "core/AnalyzedAudio.h"
 #include "grading/GradedAudio.h"
 #include "recognition/ModelFileType.h"
+#include "storage/AnnotatedAudio.h"

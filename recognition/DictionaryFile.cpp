@@ -101,6 +101,15 @@ DictionaryFile IndexDictionary(std::string bytes, std::string_view path) {
   return file;
 }
 
+std::string_view NoteOf(const DictionaryFile& file, std::size_t index) {
+  std::size_t next = file.words[index].line;
+  const std::string_view line = NextLine(file.text, next);
+  std::size_t position = 0;
+  NextField(line, position);
+  NextField(line, position);
+  return NextField(line, position);
+}
+
 std::vector<OwnedWordEntry::Variant> ParseVariants(const DictionaryFile& file, std::size_t index) {
   const std::string_view text = file.text;
   std::size_t next = file.words[index].line;

@@ -46,6 +46,10 @@ DictionaryFile IndexDictionary(std::string bytes, std::string_view path);
 // The pronunciations of the word at `index`, in file order; those that do not parse are empty.
 std::vector<OwnedWordEntry::Variant> ParseVariants(const DictionaryFile& file, std::size_t index);
 
+// The field of a word's first pronunciation that the engine passes over: its cost in the starter
+// files. Empty where the line ends before it.
+std::string_view NoteOf(const DictionaryFile& file, std::size_t index);
+
 // ParsePronunciation with its message. 0, or -1 when the slot stays empty.
 int ReadAPronunEntry(int phoneme_set, std::string_view text, OwnedWordEntry::Variant& slot);
 

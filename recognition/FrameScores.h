@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <span>
 
 #include "recognition/CPhonemeSet.h"
@@ -14,6 +16,11 @@ inline constexpr int kFrameInputSize = 195;  // five MFCC frames
 // Several threads may score at once.
 int ComputeFrameScores(const CPhonemeSet& set, std::span<const float> mfcc,
                        std::span<double> scores);
+
+// The same for those who need not hold all scores at once: hands over the rows of `first` and the
+// frames behind it, 256 frames at most, one block after another. The bits are the same.
+int VisitFrameScores(const CPhonemeSet& set, std::span<const float> mfcc,
+                     const std::function<void(std::size_t first, std::span<const double>)>& take);
 
 // The classifier's input for one frame: frames t-2 .. t+2. Before the start frame 0 stands in; past
 // the end the centre frame does.

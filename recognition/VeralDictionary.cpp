@@ -63,29 +63,37 @@ std::shared_ptr<const OwnedWordEntry> VeralDictionary::EntryAt(int index) const 
   return nullptr;
 }
 
-std::shared_ptr<const OwnedWordEntry> VeralDictionary::LookupWord(
-    std::wstring_view word) const noexcept try {
-  const std::wstring upper = UpperCased(word);
+int VeralDictionary::FindWord(std::wstring_view word) const {
   // The bytes of well-formed UTF-8 are in the order of its code points.
-  const std::string key = veral3::Utf8FromWide(upper);
+  const std::string key = veral3::Utf8FromWide(UpperCased(word));
   int low = 0;
   int high = GetWordCount() - 1;
   while (low <= high) {
     const int mid = low + (high - low) / 2;
     const int order = key.compare(m_File.Word(static_cast<std::size_t>(mid)));
-    if (order == 0) {
-      auto entry = EntryAt(mid);
-      if (entry != nullptr && IsUsable(entry->Entry())) return entry;
-      break;
-    }
+    if (order == 0) return mid;
     if (order < 0) {
       high = mid - 1;
     } else {
       low = mid + 1;
     }
   }
-  Message(MessageStream::kWideError)
-      << "*** Error: Word <" << upper << "> not found in VeralDictionary::LookupWord()\n";
+  return -1;
+}
+
+std::string_view VeralDictionary::NoteAt(int index) const {
+  if (index < 0 || index >= GetWordCount()) return {};
+  return veral3::NoteOf(m_File, static_cast<std::size_t>(index));
+}
+
+std::shared_ptr<const OwnedWordEntry> VeralDictionary::LookupWord(
+    std::wstring_view word) const noexcept try {
+  if (const int index = FindWord(word); index >= 0) {
+    auto entry = EntryAt(index);
+    if (entry != nullptr && IsUsable(entry->Entry())) return entry;
+  }
+  Message(MessageStream::kWideError) << "*** Error: Word <" << UpperCased(word)
+                                     << "> not found in VeralDictionary::LookupWord()\n";
   return nullptr;
 } catch (const std::exception&) {
   return nullptr;

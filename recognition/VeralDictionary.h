@@ -33,6 +33,14 @@ class VeralDictionary {
   // The entry at `index`, in file order, usable or not; null outside.
   std::shared_ptr<const veral3::OwnedWordEntry> EntryAt(int index) const noexcept;
 
+  // The index of a word in any case, -1 when it is not there; whether its pronunciations can be
+  // used is not looked at.
+  int FindWord(std::wstring_view word) const;
+
+  // What stands before a word's first pronunciation, a cost in the starter dictionaries: an
+  // integer, about 10 times -ln of its probability. Empty outside.
+  std::string_view NoteAt(int index) const;
+
   // The entry of a word in any case. Null, with a message on the wide error stream, when there is
   // none with a usable pronunciation.
   std::shared_ptr<const veral3::OwnedWordEntry> LookupWord(std::wstring_view word) const noexcept;

@@ -6,6 +6,8 @@
 
 #include "common/LanguageType.h"
 #include "tools/AlignmentReport.h"
+#include "tools/AudioFile.h"
+#include "tools/Result.h"
 
 // Aligning many recordings, one after another or several at a time.
 namespace veral3::tools {
@@ -20,6 +22,24 @@ struct AlignOutcome {
   AlignmentReport report;
   std::string messages;  // for the user, lines: warnings about the recording, what the engine wrote
 };
+
+// A recording and what was read in it.
+struct AlignedRecording {
+  Recording recording;   // as the alignment left it: filtered
+  std::string sentence;  // as the user gave it
+};
+
+// Reads the recording of a job and aligns it in `audio`, a fresh object, whose language's resources
+// are loaded. Appends to `messages` what the user should know of the recording, and what the engine
+// wrote.
+Result<AlignedRecording> ReadAndAlign(const AlignJob& job, AnalyzedAudio& audio,
+                                      std::string& messages);
+
+// Why `step` failed, "" when it did not: what it returned, or what it threw in words for the user.
+std::string ErrorOf(const std::function<std::string()>& step);
+
+// A report of a recording for which there is none.
+AlignmentReport FailedReport(const AlignJob& job, std::string error);
 
 // Reads and aligns one recording. The resources of `language` are loaded. Nothing throws: what goes
 // wrong is the report's error.

@@ -1,16 +1,13 @@
 #include "tools/AlignmentFormats.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <nlohmann/json.hpp>
 #include <utility>
 
-#include "common/Unicode.h"
+#include "tools/AlignmentJson.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/TextCells.h"
 
 namespace veral3::tools {
 namespace {
@@ -41,15 +38,6 @@ const std::vector<Segment>& SegmentsOf(const AlignmentReport& report, Tier tier)
   return report.phonemes;
 }
 
-// Columns that the text takes in a terminal; Chinese and Japanese characters take two.
-int DisplayWidth(const std::string& text) {
-  int width = 0;
-  for (const wchar_t c : WideFromUtf8(text)) {
-    width += utf8proc_charwidth(static_cast<utf8proc_int32_t>(c));
-  }
-  return width;
-}
-
 // `text` with every control character and, where `blanks` says so, every blank replaced.
 std::string Replace(std::string_view text, char control, std::optional<char> blank) {
   std::string result;
@@ -71,24 +59,6 @@ std::string TableRow(int start, int end, int level, int indent, const std::strin
   return Right(Fixed(Seconds(start), 3), 9) + Right(Fixed(Seconds(end), 3), 9) +
          Right(std::to_string(start), 10) + Right(std::to_string(end), 10) + "   " +
          std::string(static_cast<std::size_t>(level * indent), ' ') + text + "\n";
-}
-
-// ---- JSON ----
-
-using OrderedJson = nlohmann::ordered_json;
-
-double Rounded(double seconds) { return std::round(seconds * 1e6) / 1e6; }
-
-OrderedJson JsonSegments(const std::vector<Segment>& segments, const char* name) {
-  OrderedJson array = OrderedJson::array();
-  for (const Segment& segment : segments) {
-    array.push_back({{name, segment.text},
-                     {"start_sample", segment.start},
-                     {"end_sample", segment.end},
-                     {"start_s", Rounded(Seconds(segment.start))},
-                     {"end_s", Rounded(Seconds(segment.end))}});
-  }
-  return array;
 }
 
 // ---- TextGrid ----
@@ -136,18 +106,6 @@ std::string TextGridTier(int number, Tier tier, const AlignmentReport& report) {
     text += "            text = " + QuotedForTextGrid(interval.text) + "\n";
   }
   return text;
-}
-
-// ---- CSV ----
-
-std::string QuotedForCsv(const std::string& field) {
-  if (field.find_first_of(",\"\r\n") == std::string::npos) return field;
-  std::string result = "\"";
-  for (const char c : field) {
-    result += c;
-    if (c == '"') result += c;
-  }
-  return result + "\"";
 }
 
 }  // namespace
@@ -226,23 +184,7 @@ std::string Table(const AlignmentReport& report) {
   return text;
 }
 
-std::string Json(const AlignmentReport& report) {
-  OrderedJson object = {{"file", report.file}};
-  if (!report.error.empty()) {
-    object["error"] = report.error;
-  } else {
-    object["language"] = LanguageCode(report.language);
-    object["sentence_index"] = report.sentence_index;
-    object["sentence"] = report.sentence;
-    object["log_probability"] = report.log_probability;
-    object["sample_rate"] = kSampleRate;
-    object["num_samples"] = report.num_samples;
-    object["words"] = JsonSegments(report.words, "text");
-    object["syllables"] = JsonSegments(report.syllables, "text");
-    object["phonemes"] = JsonSegments(report.phonemes, "symbol");
-  }
-  return object.dump(2, ' ', false, OrderedJson::error_handler_t::replace);
-}
+std::string Json(const AlignmentReport& report) { return JsonText(AlignmentJson(report)); }
 
 std::string TextGrid(const AlignmentReport& report) {
   if (!report.error.empty()) return "";

@@ -7,6 +7,8 @@
 #include <exception>
 
 #include "tools/AlignCommand.h"
+#include "tools/AnalyzeCommand.h"
+#include "tools/CheckTextCommand.h"
 
 namespace {
 
@@ -21,6 +23,10 @@ int Run(int argc, char** argv) {
       "veral3 align --help tells more.");
   veral3::tools::AlignOptions align;
   const CLI::App* align_command = veral3::tools::AddAlignCommand(app, align);
+  veral3::tools::ReadingOptions analyze;
+  const CLI::App* analyze_command = veral3::tools::AddAnalyzeCommand(app, analyze);
+  veral3::tools::CheckTextOptions check_text;
+  const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -31,7 +37,10 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kWrongUsage;
   }
-  return align_command->parsed() ? veral3::tools::RunAlign(align) : kWrongUsage;
+  if (align_command->parsed()) return veral3::tools::RunAlign(align);
+  if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
+  if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
+  return kWrongUsage;
 }
 
 }  // namespace

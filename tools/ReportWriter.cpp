@@ -16,24 +16,19 @@ std::filesystem::path ResultPath(const ReportTarget& target, const std::string& 
   return target.output / name;
 }
 
-// A recording's file name without its ending, as NIST has it; with its folders where two recordings
-// share the name.
-std::vector<std::string> RecordingNames(const std::vector<std::string>& files) {
-  std::map<std::string, int> uses;
-  for (const std::string& file : files) ++uses[std::filesystem::path(file).stem().string()];
-  std::vector<std::string> names;
-  for (const std::string& file : files) {
-    const std::filesystem::path path(file);
-    const std::string stem = path.stem().string();
-    names.push_back(uses[stem] == 1 ? stem : (path.parent_path() / stem).string());
-  }
-  return names;
-}
-
 }  // namespace
 
+ReportTarget TargetOf(Format format, const std::string& output) {
+  ReportTarget target;
+  target.format = format;
+  target.output = output;
+  std::error_code error;
+  target.is_folder = output.ends_with('/') || std::filesystem::is_directory(target.output, error);
+  return target;
+}
+
 ReportWriter::ReportWriter(ReportTarget target, const std::vector<std::string>& files)
-    : m_target(std::move(target)), m_recordings(RecordingNames(files)) {
+    : m_target(std::move(target)), m_expected(files.size()) {
   if (m_target.is_folder) {
     std::error_code error;
     std::filesystem::create_directories(m_target.output, error);
@@ -45,17 +40,16 @@ ReportWriter::ReportWriter(ReportTarget target, const std::vector<std::string>& 
     if (!m_file->Error().empty()) m_error = m_target.output.string() + " " + m_file->Error();
   }
   if (m_target.format == Format::kJson && files.size() > 1) Put("[\n");
-  if (m_target.format == Format::kCsv) Put(CsvHeader());
+  Put(m_target.header);
 }
 
-void ReportWriter::Write(const AlignmentReport& report) {
-  const std::string text = Text(report);
-  const bool last = ++m_written == m_recordings.size();
+void ReportWriter::Write(const std::string& recording, std::string_view text) {
+  const bool last = ++m_written == m_expected;
   if (m_target.is_folder) {
     if (text.empty()) return;
-    const std::filesystem::path path = ResultPath(m_target, report.file);
+    const std::filesystem::path path = ResultPath(m_target, recording);
     OutputFile file(path);
-    if (m_target.format == Format::kCsv) file.Write(CsvHeader());
+    file.Write(m_target.header);
     file.Write(text);
     if (m_target.format == Format::kJson) file.Write("\n");
     const std::string error = file.Finish();
@@ -66,7 +60,7 @@ void ReportWriter::Write(const AlignmentReport& report) {
   if (m_target.format == Format::kTable && !text.empty() && had_text) Put("\n");
   Put(text);
   if (m_target.format == Format::kJson) {
-    Put(m_recordings.size() == 1 ? "\n" : last ? "\n]\n" : ",\n");
+    Put(m_expected == 1 ? "\n" : last ? "\n]\n" : ",\n");
   }
 }
 
@@ -91,28 +85,7 @@ void ReportWriter::Put(std::string_view text) {
   }
 }
 
-std::string ReportWriter::Text(const AlignmentReport& report) const {
-  switch (m_target.format) {
-    case Format::kTable:
-      break;
-    case Format::kJson:
-      return Json(report);
-    case Format::kTextGrid:
-      return TextGrid(report);
-    case Format::kCtm:
-      return Ctm(report, m_recordings[m_written], m_target.tier.value_or(Tier::kWords));
-    case Format::kCsv:
-      return Csv(report, m_target.tier);
-    case Format::kAudacity:
-      return AudacityLabels(report, m_target.tier.value_or(Tier::kWords));
-  }
-  return Table(report);
-}
-
 std::string CheckTarget(const ReportTarget& target, const std::vector<std::string>& files) {
-  const bool takes_tier = target.format == Format::kCtm || target.format == Format::kCsv ||
-                          target.format == Format::kAudacity;
-  if (target.tier && !takes_tier) return "--tier goes with the formats ctm, csv and audacity only";
   if (files.size() > 1 && !HoldsSeveralFiles(target.format) && !target.is_folder) {
     return "this format holds one recording; for several name a folder (--output FOLDER/)";
   }
@@ -131,6 +104,18 @@ std::string CheckTarget(const ReportTarget& target, const std::vector<std::strin
     }
   }
   return "";
+}
+
+std::vector<std::string> RecordingNames(const std::vector<std::string>& files) {
+  std::map<std::string, int> uses;
+  for (const std::string& file : files) ++uses[std::filesystem::path(file).stem().string()];
+  std::vector<std::string> names;
+  for (const std::string& file : files) {
+    const std::filesystem::path path(file);
+    const std::string stem = path.stem().string();
+    names.push_back(uses[stem] == 1 ? stem : (path.parent_path() / stem).string());
+  }
+  return names;
 }
 
 }  // namespace veral3::tools

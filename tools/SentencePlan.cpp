@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "core/AnalyzedAudio.h"
-#include "recognition/Dictionaries.h"
 #include "tools/EngineMessages.h"
+#include "tools/Lexicon.h"
 #include "tools/TextPreparation.h"
 
 namespace veral3::tools {
@@ -42,11 +42,11 @@ struct Findings {
   std::string warning;               // lines without what they are about
 };
 
-Findings Examine(const std::string& sentence, LanguageType language, const HasWord& has_word,
+Findings Examine(const std::string& sentence, LanguageType language, const Lexicon& lexicon,
                  bool skip_unknown) {
   Findings findings;
-  findings.prepared = PrepareText(sentence, language);
-  const SentenceCheck check = CheckSentence(findings.prepared, language, has_word);
+  findings.prepared = PrepareSentence(sentence, language, lexicon.cost);
+  const SentenceCheck check = CheckSentence(findings.prepared, language, lexicon.has_word);
   std::string passed_over;
   if (!check.missing_words.empty()) {
     passed_over = "the dictionary lacks " + Quoted(check.missing_words);
@@ -56,7 +56,7 @@ Findings Examine(const std::string& sentence, LanguageType language, const HasWo
     passed_over += (passed_over.empty() ? "" : "; ") + std::string("write in words: ") +
                    Quoted(check.unread_numbers);
   }
-  const std::vector<std::string> symbols = UnreadSymbols(sentence);
+  const std::vector<std::string> symbols = UnreadSymbols(sentence, language);
   if (!symbols.empty()) {
     findings.warning = "not read, write in words what is spoken: " + Quoted(symbols) + "\n";
   }
@@ -77,11 +77,7 @@ Findings Examine(const std::string& sentence, LanguageType language, const HasWo
 }  // namespace
 
 SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, bool skip_unknown) {
-  const auto dictionary = DictionaryOf(language);
-  const HasWord has_word = [&](std::wstring_view word) {
-    const EngineMessages muted;  // a missing word is reported here in words of our own
-    return dictionary != nullptr && dictionary->LookupWord(word) != nullptr;
-  };
+  const Lexicon lexicon = LexiconOf(language);
   SentencePlan plan;
   std::map<std::string, std::string> prepared;  // of every sentence seen
   std::string unknown_word;
@@ -90,7 +86,7 @@ SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, b
     for (const std::string& sentence : job.sentences) {
       auto [known, is_new] = prepared.try_emplace(sentence);
       if (is_new) {
-        Findings findings = Examine(sentence, language, has_word, skip_unknown);
+        Findings findings = Examine(sentence, language, lexicon, skip_unknown);
         const std::string about = "sentence \"" + sentence + "\": ";
         if (!findings.warning.empty()) plan.messages += about + findings.warning;
         if (!findings.error.empty()) {

@@ -69,6 +69,20 @@ bool IsUtf8(std::string_view text) {
   return true;
 }
 
+Result<std::vector<std::string>> ReadLines(const std::filesystem::path& path) {
+  using Failure = Result<std::vector<std::string>>;
+  const Result<std::string> text = ReadText(path);
+  if (!text) return Failure::Failure(text.Error());
+  std::vector<std::string> lines;
+  const std::string error = ForEachLine(*text, [&](std::string_view line, int) -> std::string {
+    lines.emplace_back(Trimmed(line));
+    return {};
+  });
+  if (!error.empty()) return Failure::Failure(error);
+  if (lines.empty()) return Failure::Failure("has no text");
+  return lines;
+}
+
 Result<std::vector<std::string>> ReadSentences(const std::filesystem::path& path) {
   using Failure = Result<std::vector<std::string>>;
   const Result<std::string> text = ReadText(path);

@@ -16,6 +16,9 @@ inline constexpr std::size_t kMaxCandidates = 8;  // sentences that one recordin
 // True for well-formed UTF-8 without zero bytes.
 bool IsUtf8(std::string_view text);
 
+// All lines that are not blank, without the blanks around them; at least one.
+Result<std::vector<std::string>> ReadLines(const std::filesystem::path& path);
+
 // Candidate sentences, one a line, 1 to kMaxCandidates.
 Result<std::vector<std::string>> ReadSentences(const std::filesystem::path& path);
 

@@ -11,6 +11,7 @@
 #include "recognition/CPhonemeSet.h"
 #include "recognition/EnglishNumbers.h"
 #include "recognition/SentenceTokens.h"
+#include "tools/SpokenNumbers.h"
 
 namespace veral3::tools {
 namespace {
@@ -73,10 +74,20 @@ std::wstring WithUsualWidth(std::wstring_view text) {
 wchar_t Prepared(wchar_t c, bool english) {
   if (IsInvisible(c)) return 0;
   if (english && IsApostrophe(c)) return L'\'';
+  if (!english && c == 0x2212) return L'-';  // a minus, for numbers
   if (c < 0x20 || c == 0x7F || (c >= 0x80 && c <= 0xA0)) return L' ';
   if (c < 0x80) return c;
   if (c == 0x200B || c == 0x2007 || c == 0x202F || IsWideSpace(c)) return L' ';
   return IsWidePunctuation(c) ? L' ' : c;
+}
+
+std::wstring WithSingleBlanks(std::wstring_view text) {
+  std::wstring result;
+  for (const wchar_t c : text) {
+    if (c != L' ' || (!result.empty() && result.back() != L' ')) result += c;
+  }
+  if (result.ends_with(L' ')) result.pop_back();
+  return result;
 }
 
 void AddOnce(std::vector<std::string>& list, std::wstring_view text) {
@@ -100,6 +111,13 @@ std::string PrepareText(std::string_view text, LanguageType language) {
   int options = UTF8PROC_STABLE | UTF8PROC_COMPOSE;
   if (english) options |= UTF8PROC_STRIPMARK;
   return Utf8FromWide(Normalized(prepared, options));
+}
+
+std::string PrepareSentence(std::string_view text, LanguageType language, const WordCost& cost) {
+  std::string prepared = PrepareText(text, language);
+  if (language == kLanguageEnglish) return prepared;
+  const std::wstring spelled = SpellNumbers(WideFromUtf8(prepared), language);
+  return Utf8FromWide(WithSingleBlanks(SegmentText(spelled, language, cost)));
 }
 
 SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
@@ -129,13 +147,16 @@ SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
   return check;
 }
 
-std::vector<std::string> UnreadSymbols(std::string_view text) {
+std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType language) {
   std::vector<std::string> symbols;
   const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
   bool inline_segment = false;
+  wchar_t before = 0;
   for (const wchar_t c : usual) {
     if (c == L'|') inline_segment = !inline_segment;
-    if (!inline_segment && kSpokenSymbols.find(c) != std::wstring_view::npos) {
+    const bool read = language != kLanguageEnglish && c == L'%' && before >= L'0' && before <= L'9';
+    before = c;
+    if (!inline_segment && !read && kSpokenSymbols.find(c) != std::wstring_view::npos) {
       AddOnce(symbols, std::wstring_view(&c, 1));
     }
   }
@@ -161,6 +182,11 @@ std::string InlinePronunciationHelp(std::string_view word, LanguageType language
           "(number of syllables; a digit 1 for each; where each begins in the phonemes, counted\n"
           "from 0; the phonemes), for example\n    |1 1 ? 3 111 0 2 4 sakura|\u3055\u304F\u3089\n";
       break;
+  }
+  if (language == kLanguageChinese || language == kLanguageJapanese) {
+    const bool chinese = language == kLanguageChinese;
+    help += std::string("which is what veral3 check-text --lang ") + (chinese ? "zh" : "ja") +
+            " --reading \"" + (chinese ? "ni3 hao3" : "\u3055\u304F\u3089") + "\" WORD prints\n";
   }
   return help;
 }

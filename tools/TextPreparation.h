@@ -6,16 +6,16 @@
 #include <vector>
 
 #include "common/LanguageType.h"
+#include "tools/Segmentation.h"
 
 // What stands between text as people write it and the sentence that the engine takes: words that
 // its dictionary has, parted by blanks.
 //
-//   const std::string sentence = PrepareText("Don\u2019t \uFF37\uFF21\uFF29\uFF34",
-//   kLanguageEnglish); const SentenceCheck check = CheckSentence(sentence, kLanguageEnglish,
-//   has_word); for (const std::string& word : check.missing_words) ...
+//   std::string sentence = PrepareSentence("Don\u2019t wait", kLanguageEnglish, cost);
+//   SentenceCheck check = CheckSentence(sentence, kLanguageEnglish, has_word);
+//   for (const std::string& word : check.missing_words) ...
 //
-// Inline segments ("|1 1 ? 1 1 0 hYt|height") pass through as they are. Chinese and Japanese text
-// has blanks between its words already.
+// Inline segments ("|1 1 ? 1 1 0 hYt|height") pass through as they are.
 namespace veral3::tools {
 
 // The sentence with
@@ -27,6 +27,10 @@ namespace veral3::tools {
 // - in English, typographic apostrophes straight and accents off (the dictionary has none).
 // Runs of blanks become one; none is left at the ends. UTF-8 in and out.
 std::string PrepareText(std::string_view text, LanguageType language);
+
+// The whole preparation: PrepareText, and in Chinese and Japanese numbers in words and blanks
+// between the words of the dictionary (tools/SpokenNumbers.h, tools/Segmentation.h).
+std::string PrepareSentence(std::string_view text, LanguageType language, const WordCost& cost);
 
 // Whether the dictionary has a word, in any case.
 using HasWord = std::function<bool(std::wstring_view word)>;
@@ -43,7 +47,8 @@ SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
                             const HasWord& has_word);
 
 // The symbols of an unprepared text that a reader says and the engine passes over, such as % and &.
-std::vector<std::string> UnreadSymbols(std::string_view text);
+// In Chinese and Japanese the % of a number is read with it.
+std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType language);
 
 // How to write a word that the dictionary lacks: the inline pronunciation to fill in for `word`,
 // and one of the language that is complete. Several lines with line ends.

@@ -41,6 +41,28 @@ TEST(FrameScores, ReferenceInputBlocks) {
   }
 }
 
+// Block by block, with the bits of all at once.
+TEST(FrameScores, VisitedBlocksAreTheWhole) {
+  MessageCapture messages;
+  ASSERT_GE(LoadModelFile(VectorPath("models/frame_ja.bin").string().c_str(), kFrameModelJapanese),
+            0);
+  const CPhonemeSet& set = *PhonemeSetOf(kLanguageJapanese);
+  for (const int frames : {0, 1, 256, 257, 600}) {
+    const std::vector<float> mfcc = Frames(frames);
+    std::vector<double> scores(static_cast<std::size_t>(frames) * 78);
+    ASSERT_EQ(ComputeFrameScores(set, mfcc, scores), 0);
+    std::vector<double> visited;
+    EXPECT_EQ(VisitFrameScores(set, mfcc,
+                               [&](std::size_t first, std::span<const double> rows) {
+                                 EXPECT_EQ(first * 78, visited.size());
+                                 EXPECT_LE(rows.size(), 256u * 78u);
+                                 visited.insert(visited.end(), rows.begin(), rows.end());
+                               }),
+              0);
+    EXPECT_EQ(visited, scores);
+  }
+}
+
 // Recordings of less, just as many and more frames than are scored at once.
 TEST(FrameScores, EveryFrameAsIfScoredAlone) {
   MessageCapture messages;

@@ -119,9 +119,10 @@ TEST(CheckSentence, ChineseWordsArePartedByBlanksAndPunctuation) {
 }
 
 TEST(UnreadSymbols, AreTheSpokenOnes) {
-  EXPECT_THAT(UnreadSymbols(Utf8FromWide(L"50% & \u20AC5 (a) 5\uFF05 100%!")),
+  EXPECT_THAT(UnreadSymbols(Utf8FromWide(L"50% & \u20AC5 (a) 5\uFF05 100%!"), kLanguageEnglish),
               ElementsAre("%", "&", Utf8FromWide(L"\u20AC")));
-  EXPECT_THAT(UnreadSymbols("|1 1 ? 1 1 0 h@t|hut"), IsEmpty());
+  EXPECT_THAT(UnreadSymbols("50% & %", kLanguageChinese), ElementsAre("&", "%"));
+  EXPECT_THAT(UnreadSymbols("|1 1 ? 1 1 0 h@t|hut", kLanguageEnglish), IsEmpty());
 }
 
 TEST(InlinePronunciationHelp, HasTheWordAndAnExampleOfTheLanguage) {

@@ -1,0 +1,82 @@
+#include "tools/AnalyzeCommand.h"
+
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <utility>
+#include <vector>
+
+#include "tools/AnalysisFormats.h"
+#include "tools/AnalyzeJobs.h"
+#include "tools/Console.h"
+#include "tools/InOrder.h"
+#include "tools/Languages.h"
+#include "tools/ReportWriter.h"
+
+namespace veral3::tools {
+namespace {
+
+constexpr const char* kExamples = R"(Examples:
+  veral3 analyze --lang en --text "The weather is nice today" recording.wav
+  veral3 analyze --lang en --list sentences.tsv --format json --output measures/
+
+Exit status: 0 all done, 1 some recording failed, 2 wrong usage (nothing is read then).)";
+
+std::string TextOf(const AnalysisReport& report, Format format) {
+  if (format == Format::kJson) return JsonText(AnalysisJson(report));
+  return format == Format::kCsv ? AnalysisCsv(report) : AnalysisTable(report);
+}
+
+}  // namespace
+
+CLI::App* AddAnalyzeCommand(CLI::App& app, ReadingOptions& options) {
+  CLI::App* analyze = app.add_subcommand(
+      "analyze", "Measures how a sentence was said: pitch, loudness, length and likely phonemes");
+  AddReadingOptions(*analyze, options, {"table", "json", "csv"}, "analysed");
+  analyze->footer(kExamples);
+  return analyze;
+}
+
+int RunAnalyze(const ReadingOptions& options) {
+  Console console;
+  const auto fail = [&](const std::string& error) {
+    console.Error(error);
+    return kWrongUsage;
+  };
+  Result<std::vector<AlignJob>> jobs = JobsOf(options);
+  if (!jobs) return fail(jobs.Error());
+  const Format format = FormatOf(options.format).value_or(Format::kTable);
+  const std::vector<std::string> files = FilesOf(*jobs);
+  ReportTarget target = TargetOf(format, options.output);
+  if (format == Format::kCsv) target.header = AnalysisCsvHeader();
+  if (const std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
+  if (!LoadFor(options, ResourceUse::kMeasure, console)) return kWrongUsage;
+  if (!PlanFor(options, *jobs, console)) return kWrongUsage;
+
+  ReportWriter writer(target, files);
+  if (!writer.Error().empty()) return fail(writer.Error());
+  const LanguageType language = LanguageOf(options.language);
+  int status = kAllDone;
+  std::size_t done = 0;
+  console.Progress(0, files.size(), files.front());
+  RunInOrder<AnalyzeOutcome>(
+      jobs->size(), options.jobs,
+      [&](std::size_t i) { return RunAnalyzeJob((*jobs)[i], language); },
+      [&](const AnalyzeOutcome& outcome) {
+        const AlignmentReport& alignment = outcome.report.alignment;
+        PrintMessages(console, alignment.file, outcome.messages);
+        if (!alignment.error.empty()) {
+          console.Error(alignment.file + ": " + alignment.error);
+          status = kSomeFailed;
+        }
+        writer.Write(alignment.file, TextOf(outcome.report, format));
+        ++done;
+        if (done < files.size()) console.Progress(done, files.size(), files[done]);
+      });
+  if (const std::string error = writer.Finish(); !error.empty()) {
+    console.Error(error);
+    status = kSomeFailed;
+  }
+  return status;
+}
+
+}  // namespace veral3::tools

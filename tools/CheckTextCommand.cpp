@@ -1,0 +1,140 @@
+#include "tools/CheckTextCommand.h"
+
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <CLI/Validators.hpp>
+#include <cstdio>
+
+#include "common/Unicode.h"
+#include "tools/Console.h"
+#include "tools/ExitStatus.h"
+#include "tools/Kana.h"
+#include "tools/Languages.h"
+#include "tools/Pinyin.h"
+#include "tools/Resources.h"
+#include "tools/TextFiles.h"
+#include "tools/TextReport.h"
+
+namespace veral3::tools {
+namespace {
+
+constexpr const char* kExamples = R"(Examples:
+  veral3 check-text --lang zh "研究生命的起源"
+  veral3 check-text --lang ja --text-file sentences.txt --format json
+  veral3 check-text --lang zh --reading "le4 se4" 垃圾
+
+Exit status: 0 every word is known, 1 the dictionary lacks some, 2 wrong usage.)";
+
+// Prints each word with the inline pronunciation of the reading.
+int PrintInline(const CheckTextOptions& options, LanguageType language, Console& console) {
+  if (language == kLanguageEnglish) {
+    console.Error("--reading takes pinyin (--lang zh) or kana (--lang ja)");
+    return kWrongUsage;
+  }
+  const bool chinese = language == kLanguageChinese;
+  const auto reading =
+      chinese ? ReadPinyin(*options.reading) : ReadKana(WideFromUtf8(*options.reading));
+  if (!reading) {
+    console.Error("cannot read \"" + *options.reading + "\": " +
+                  (chinese ? "write pinyin syllables with tone digits, parted by blanks"
+                           : "write hiragana or katakana"));
+    return kWrongUsage;
+  }
+  for (const std::string& word : options.texts) {
+    std::puts(Utf8FromWide(InlinePronunciation(*reading, WideFromUtf8(word))).c_str());
+  }
+  return kAllDone;
+}
+
+}  // namespace
+
+CLI::App* AddCheckTextCommand(CLI::App& app, CheckTextOptions& options) {
+  CLI::App* check = app.add_subcommand(
+      "check-text", "Show the words and pronunciations that a text will be aligned with");
+  check->add_option("--lang", options.language, "Language of the text")
+      ->check(CLI::IsMember({"en", "zh", "ja"}))
+      ->required()
+      ->type_name("en|zh|ja");
+  check->add_option("TEXT", options.texts, "Texts to look at")->type_name("");
+  check->add_option("--text-file", options.text_file, "UTF-8 file with a text a line")
+      ->type_name("TXT");
+  check
+      ->add_option("--reading", options.reading,
+                   "Instead: print TEXT, a word, as an inline pronunciation with this reading "
+                   "(pinyin with tone digits, or kana)")
+      ->type_name("READING");
+  check->add_option("--format", options.format, "Form of the result (default table)")
+      ->check(CLI::IsMember({"table", "json"}))
+      ->type_name("FORMAT");
+  check
+      ->add_option("--resources", options.resources,
+                   "Folder of dictionaries (default: share/veral3 of the installation)")
+      ->type_name("FOLDER");
+  check->footer(kExamples);
+  return check;
+}
+
+int RunCheckText(const CheckTextOptions& options) {
+  Console console;
+  const LanguageType language = LanguageOf(options.language);
+  std::vector<std::string> texts = options.texts;
+  if (options.text_file) {
+    const auto lines = ReadLines(*options.text_file);
+    if (!lines) {
+      console.Error(*options.text_file + ": " + lines.Error());
+      return kWrongUsage;
+    }
+    texts.insert(texts.end(), lines->begin(), lines->end());
+  }
+  if (texts.empty()) {
+    console.Error("no text");
+    return kWrongUsage;
+  }
+  for (const std::string& text : texts) {
+    if (!IsUtf8(text)) {
+      console.Error("the text is not UTF-8");
+      return kWrongUsage;
+    }
+  }
+  if (options.reading) return PrintInline(options, language, console);
+
+  const auto folder = FindDictionary(options.resources, language);
+  if (!folder) {
+    console.Error(folder.Error());
+    return kWrongUsage;
+  }
+  if (const auto loaded = LoadDictionary(*folder, language); !loaded) {
+    console.Error(loaded.Error());
+    return kWrongUsage;
+  }
+  const Lexicon lexicon = LexiconOf(language);
+  std::vector<TextReport> reports;
+  int status = kAllDone;
+  for (const std::string& text : texts) {
+    reports.push_back(ReportText(text, language, lexicon));
+    const TextReport& report = reports.back();
+    if (!report.missing.empty() || report.words.empty()) status = kSomeFailed;
+  }
+  if (options.format == "json") {
+    std::fputs(TextJson(reports, language).c_str(), stdout);
+    return status;
+  }
+  std::string missing;
+  for (const TextReport& report : reports) {
+    if (reports.size() > 1)
+      std::printf("%s%s\n", &report == &reports.front() ? "" : "\n", report.text.c_str());
+    std::fputs(TextTable(report, language).c_str(), stdout);
+    if (missing.empty() && !report.missing.empty()) missing = report.missing.front();
+    for (const std::string& symbol : report.unread_symbols) {
+      console.Error("not read, write in words what is spoken: " + symbol);
+    }
+    if (report.words.empty()) console.Error("\"" + report.text + "\" has no words");
+  }
+  if (!missing.empty()) {
+    console.Error("the dictionary lacks \"" + missing +
+                  "\": " + InlinePronunciationHelp(missing, language));
+  }
+  return status;
+}
+
+}  // namespace veral3::tools

@@ -1,0 +1,112 @@
+#include "tools/Segmentation.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "recognition/CPhonemeSet.h"
+#include "recognition/SentenceTokens.h"
+#include "tools/Kana.h"
+
+namespace veral3::tools {
+namespace {
+
+constexpr std::size_t kMaxWordLength = 16;  // characters; the starter dictionaries end at 14
+constexpr int kWordCost = 30;
+constexpr int kUnknownCost = 400;
+
+bool IsLatin(wchar_t c) { return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z'); }
+
+struct Piece {
+  std::wstring_view text;
+  bool known = false;
+};
+
+// Characters that belong together where the dictionary does not know them: a run of Latin letters,
+// else one character.
+std::size_t UnknownLength(std::wstring_view text) {
+  std::size_t length = 1;
+  if (IsLatin(text.front())) {
+    while (length < text.size() && IsLatin(text[length])) ++length;
+  }
+  return length;
+}
+
+// The best cut of a run without blanks.
+std::vector<Piece> Cut(std::wstring_view run, const WordCost& cost) {
+  struct Best {
+    int cost = std::numeric_limits<int>::max();
+    std::size_t length = 0;  // of the piece that begins here
+    bool known = false;
+  };
+  std::vector<Best> best(run.size() + 1);
+  best.back().cost = 0;
+  for (std::size_t at = run.size(); at-- > 0;) {
+    const auto offer = [&](std::size_t length, int piece_cost, bool known) {
+      const int total = best[at + length].cost + piece_cost;
+      if (total < best[at].cost) best[at] = {total, length, known};
+    };
+    for (std::size_t length = std::min(kMaxWordLength, run.size() - at); length > 0; --length) {
+      if (const auto word = cost(run.substr(at, length))) offer(length, *word + kWordCost, true);
+    }
+    offer(UnknownLength(run.substr(at)), kUnknownCost, false);
+  }
+  std::vector<Piece> pieces;
+  for (std::size_t at = 0; at < run.size(); at += best[at].length) {
+    const Piece piece = {run.substr(at, best[at].length), best[at].known};
+    if (!piece.known && !pieces.empty() && !pieces.back().known) {
+      pieces.back().text = std::wstring_view(pieces.back().text.data(),
+                                             pieces.back().text.size() + piece.text.size());
+    } else {
+      pieces.push_back(piece);
+    }
+  }
+  return pieces;
+}
+
+void AppendRun(std::wstring_view run, LanguageType language, const WordCost& cost,
+               std::wstring& result) {
+  if (cost(run)) {
+    result += run;
+    return;
+  }
+  bool first = true;
+  for (const Piece& piece : Cut(run, cost)) {
+    if (!first) result += L' ';
+    first = false;
+    const bool spelled = language == kLanguageJapanese && !piece.known && IsKana(piece.text);
+    const auto reading = spelled ? ReadKana(piece.text) : std::nullopt;
+    result += reading ? InlinePronunciation(*reading, piece.text) : std::wstring(piece.text);
+  }
+}
+
+}  // namespace
+
+std::wstring SegmentText(std::wstring_view text, LanguageType language, const WordCost& cost) {
+  if (language != kLanguageChinese && language != kLanguageJapanese) return std::wstring(text);
+  const int set = PhonemeSetOf(language)->GetIdentifier();
+  const auto parts = [&](wchar_t c) {
+    return IsSentenceSpace(set, c) || IsSentencePunctuation(set, c);
+  };
+  std::wstring result;
+  for (std::size_t i = 0; i < text.size();) {
+    if (text[i] == L'|') {
+      // An inline segment with its word, up to the next blank.
+      std::size_t end = text.find(L'|', i + 1);
+      end = end == std::wstring_view::npos ? text.size() : text.find(L' ', end);
+      end = std::min(end, text.size());
+      result += text.substr(i, end - i);
+      i = end;
+    } else if (parts(text[i])) {
+      result += text[i++];
+    } else {
+      std::size_t end = i;
+      while (end < text.size() && !parts(text[end])) ++end;
+      AppendRun(text.substr(i, end - i), language, cost, result);
+      i = end;
+    }
+  }
+  return result;
+}
+
+}  // namespace veral3::tools

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+// Text as the cells of tables and of comma-separated files. UTF-8.
+namespace veral3::tools {
+
+// Columns that the text takes in a terminal; Chinese and Japanese characters take two.
+int DisplayWidth(const std::string& text);
+
+// `text` with blanks behind it (or in front of it) to fill `width` columns.
+std::string PadRight(const std::string& text, int width);
+std::string PadLeft(const std::string& text, int width);
+
+// A field of RFC 4180, quoted where it must be.
+std::string QuotedForCsv(const std::string& field);
+
+}  // namespace veral3::tools

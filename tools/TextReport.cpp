@@ -1,0 +1,188 @@
+#include "tools/TextReport.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "common/Unicode.h"
+#include "recognition/CPhonemeSet.h"
+#include "recognition/Dictionaries.h"
+#include "recognition/SentenceTokens.h"
+#include "tools/EngineMessages.h"
+#include "tools/Kana.h"
+#include "tools/Languages.h"
+#include "tools/Pinyin.h"
+
+namespace veral3::tools {
+namespace {
+
+std::string ReadingOf(const Pronunciation& pronunciation, const PronunciationReport& report,
+                      LanguageType language) {
+  if (language == kLanguageJapanese) {
+    return KanaOfPhonemes(pronunciation.phonemes, {pronunciation.syllable_starts.begin(),
+                                                   pronunciation.syllable_starts.end()});
+  }
+  std::string reading;
+  for (const SyllableReport& syllable : report.syllables) {
+    if (!reading.empty()) reading += language == kLanguageChinese ? " " : ".";
+    if (language == kLanguageChinese) {
+      reading += PinyinOfPhonemes(syllable.phonemes, syllable.mark);
+    } else {
+      reading += syllable.mark == 1 ? "'" : syllable.mark == 2 ? "," : "";
+      reading += syllable.phonemes;
+    }
+  }
+  return reading;
+}
+
+PronunciationReport ReportPronunciation(const Pronunciation& pronunciation, LanguageType language) {
+  PronunciationReport report;
+  const auto& starts = pronunciation.syllable_starts;
+  for (std::size_t s = 0; s < starts.size(); ++s) {
+    const auto begin = static_cast<std::size_t>(starts[s]);
+    const std::size_t end = s + 1 < starts.size() ? static_cast<std::size_t>(starts[s + 1])
+                                                  : pronunciation.phonemes.size();
+    report.syllables.push_back(
+        {std::string(pronunciation.phonemes.substr(begin, end - begin)),
+         s < pronunciation.syllable_marks.size() ? pronunciation.syllable_marks[s] : 0});
+  }
+  report.reading = ReadingOf(pronunciation, report, language);
+  return report;
+}
+
+// The words that the engine makes of one token: several of an English number, none of a word that
+// it lacks.
+void AddWords(std::wstring_view token, LanguageType language, const VeralDictionary& dictionary,
+              std::vector<WordReport>& words) {
+  const EngineMessages muted;
+  WordSequence sequence;
+  dictionary.LookupSentence(token, sequence);
+  for (int w = 0; w < sequence.Count(); ++w) {
+    WordReport word;
+    word.text = Utf8FromWide(sequence[w].word);
+    for (const Pronunciation& pronunciation : sequence[w].pronunciations) {
+      if (!pronunciation.IsUsable()) continue;
+      word.pronunciations.push_back(ReportPronunciation(pronunciation, language));
+    }
+    words.push_back(std::move(word));
+  }
+  if (sequence.Count() == 0) words.push_back({Utf8FromWide(token), false, {}});
+}
+
+// Columns on a terminal: East Asian characters take two.
+std::size_t DisplayWidth(std::string_view text) {
+  std::size_t width = 0;
+  for (const wchar_t c : WideFromUtf8(text)) {
+    width += (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) ||
+                     (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
+                     (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60)
+                 ? 2
+                 : 1;
+  }
+  return width;
+}
+
+std::string Padded(std::string_view text, std::size_t width) {
+  const std::size_t own = DisplayWidth(text);
+  return std::string(text) + std::string(own < width ? width - own : 0, ' ');
+}
+
+struct Row {
+  std::string word, reading, syllables, marks;
+};
+
+}  // namespace
+
+TextReport ReportText(std::string_view text, LanguageType language, const Lexicon& lexicon) {
+  TextReport report;
+  report.text = text;
+  report.prepared = PrepareSentence(text, language, lexicon.cost);
+  const SentenceCheck check = CheckSentence(report.prepared, language, lexicon.has_word);
+  report.missing = check.missing_words;
+  report.missing.insert(report.missing.end(), check.unread_numbers.begin(),
+                        check.unread_numbers.end());
+  report.unread_symbols = UnreadSymbols(text, language);
+  const auto dictionary = DictionaryOf(language);
+  const CPhonemeSet* set = PhonemeSetOf(language);
+  if (dictionary == nullptr || set == nullptr) return report;
+  const std::wstring wide = WideFromUtf8(report.prepared);
+  for (std::size_t position = 0;;) {
+    const SentenceToken token = NextSentenceToken(set->GetIdentifier(), wide, position);
+    if (token.text.empty()) break;
+    position = token.next;
+    AddWords(token.text, language, *dictionary, report.words);
+  }
+  return report;
+}
+
+std::string TextTable(const TextReport& report, LanguageType language) {
+  const Row titles = {"word",
+                      language == kLanguageChinese    ? "pinyin"
+                      : language == kLanguageJapanese ? "kana"
+                                                      : "sounds",
+                      "syllables",
+                      language == kLanguageChinese   ? "tones"
+                      : language == kLanguageEnglish ? "stress"
+                                                     : ""};
+  std::vector<Row> rows = {titles};
+  for (const WordReport& word : report.words) {
+    if (!word.known) rows.push_back({word.text, "not in the dictionary", "", ""});
+    for (std::size_t p = 0; p < word.pronunciations.size(); ++p) {
+      Row row = {p == 0 ? word.text : "", word.pronunciations[p].reading, "", ""};
+      for (const SyllableReport& syllable : word.pronunciations[p].syllables) {
+        row.syllables += row.syllables.empty() ? "" : " ";
+        row.syllables += syllable.phonemes;
+        if (language != kLanguageJapanese) {
+          row.marks += row.marks.empty() ? "" : " ";
+          row.marks += std::to_string(syllable.mark);
+        }
+      }
+      rows.push_back(std::move(row));
+    }
+  }
+  std::size_t widths[3] = {};
+  for (const Row& row : rows) {
+    widths[0] = std::max(widths[0], DisplayWidth(row.word));
+    widths[1] = std::max(widths[1], DisplayWidth(row.reading));
+    widths[2] = std::max(widths[2], DisplayWidth(row.syllables));
+  }
+  std::string table;
+  for (const Row& row : rows) {
+    std::string line = Padded(row.word, widths[0] + 2) + Padded(row.reading, widths[1] + 2) +
+                       Padded(row.syllables, widths[2] + 2) + row.marks;
+    line.erase(line.find_last_not_of(' ') + 1);
+    table += line + "\n";
+  }
+  return table;
+}
+
+std::string TextJson(const std::vector<TextReport>& reports, LanguageType language) {
+  using Json = nlohmann::ordered_json;
+  Json all = Json::array();
+  for (const TextReport& report : reports) {
+    Json words = Json::array();
+    for (const WordReport& word : report.words) {
+      Json pronunciations = Json::array();
+      for (const PronunciationReport& pronunciation : word.pronunciations) {
+        Json syllables = Json::array();
+        for (const SyllableReport& syllable : pronunciation.syllables) {
+          syllables.push_back({{"phonemes", syllable.phonemes}, {"mark", syllable.mark}});
+        }
+        pronunciations.push_back(
+            {{"reading", pronunciation.reading}, {"syllables", std::move(syllables)}});
+      }
+      words.push_back({{"text", word.text},
+                       {"known", word.known},
+                       {"pronunciations", std::move(pronunciations)}});
+    }
+    all.push_back({{"language", LanguageCode(language)},
+                   {"text", report.text},
+                   {"prepared", report.prepared},
+                   {"words", std::move(words)},
+                   {"missing", report.missing},
+                   {"unread_symbols", report.unread_symbols}});
+  }
+  const Json& top = all.size() == 1 ? all.front() : all;
+  return top.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace veral3::tools
