@@ -44,6 +44,7 @@ struct Options {
 
 std::unique_ptr<SentenceSpeaker> SpeakerOf(const Options& options) {
   if (options.language == "en") return MakeEnglishSpeaker(options.speaker);
+  if (options.language == "zh") return MakeChineseSpeaker(options.speaker);
   if (options.language == "ja") return MakeJapaneseSpeaker(options.speaker);
   throw std::runtime_error("no such language: " + options.language);
 }
