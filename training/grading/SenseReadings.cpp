@@ -9,7 +9,6 @@
 #include "training/corpus/Utterance.h"
 #include "training/goodness/Judgement.h"
 #include "training/grading/SenseSentences.h"
-#include "training/speech/EspeakSpeech.h"
 
 namespace veral3::training {
 namespace {
@@ -87,24 +86,14 @@ std::vector<std::int16_t> WithSilence(std::span<const std::int16_t> samples, std
   return out;
 }
 
-struct SenseReadings::State {
-  LanguageType language;
-  std::span<const SenseSentence> sentences;
-  EspeakSpeech espeak;
-};
-
-SenseReadings::SenseReadings(LanguageType language)
-    : m_state(std::make_unique<State>(language, SenseSentencesOf(language))) {}
-
-SenseReadings::~SenseReadings() = default;
-
-std::span<const SenseSentence> SenseReadings::Sentences() const { return m_state->sentences; }
+SenseReadings::SenseReadings(LanguageType language, EspeakSpeech& espeak)
+    : m_language(language), m_sentences(SenseSentencesOf(language)), m_espeak(espeak) {}
 
 std::size_t SenseReadings::NumVoices() const { return kVoices.size(); }
 
 std::string SenseReadings::VoiceName(std::size_t voice, SenseFault fault) const {
   const VoicePair& pair = kVoices.at(voice);
-  return std::string(EspeakLanguage(m_state->language)) + "+" +
+  return std::string(EspeakLanguage(m_language)) + "+" +
          (fault == SenseFault::kOtherVoice ? pair.other : pair.variant);
 }
 
@@ -112,38 +101,37 @@ std::vector<SenseFault> SenseReadings::Faults() const {
   std::vector<SenseFault> faults = {SenseFault::kNone,       SenseFault::kOtherVoice,
                                     SenseFault::kConsonants, SenseFault::kFlat,
                                     SenseFault::kPause,      SenseFault::kOtherSentence};
-  if (m_state->language == kLanguageChinese) faults.push_back(SenseFault::kTones);
-  if (m_state->language == kLanguageJapanese) faults.push_back(SenseFault::kShortVowels);
+  if (m_language == kLanguageChinese) faults.push_back(SenseFault::kTones);
+  if (m_language == kLanguageJapanese) faults.push_back(SenseFault::kShortVowels);
   return faults;
 }
 
 std::vector<std::int16_t> SenseReadings::Speak(std::size_t sentence, std::size_t voice,
                                                SenseFault fault) const {
-  const auto& sentences = m_state->sentences;
-  const SenseSentence& right = sentences[sentence];
+  const SenseSentence& right = m_sentences[sentence];
   const VoicePair& pair = kVoices.at(voice);
   std::string spoken = right.spoken;
   if (fault == SenseFault::kConsonants) spoken = right.consonants;
   if (fault == SenseFault::kTones) spoken = right.tones;
   if (fault == SenseFault::kShortVowels) spoken = right.short_vowels;
   if (fault == SenseFault::kOtherSentence) {
-    spoken = sentences[(sentence + 1) % sentences.size()].spoken;
+    spoken = m_sentences[(sentence + 1) % m_sentences.size()].spoken;
   }
   const bool other = fault == SenseFault::kOtherVoice;
   // Chinese tones come out flat unless the range is wide.
-  const int range = m_state->language == kLanguageChinese ? 100 : 55;
+  const int range = m_language == kLanguageChinese ? 100 : 55;
   const int pitch =
-      (other ? pair.other_pitch : pair.pitch) + (m_state->language == kLanguageChinese ? 20 : 0);
-  m_state->espeak.SetVoice({.name = VoiceName(voice, fault),
-                            .rate = other ? 155 : 145,
-                            .pitch = pitch,
-                            .range = fault == SenseFault::kFlat ? 0 : range,
-                            .word_gap = 0});
-  Samples samples = m_state->espeak.Speak(spoken).samples;
+      (other ? pair.other_pitch : pair.pitch) + (m_language == kLanguageChinese ? 20 : 0);
+  m_espeak.SetVoice({.name = VoiceName(voice, fault),
+                     .rate = other ? 155 : 145,
+                     .pitch = pitch,
+                     .range = fault == SenseFault::kFlat ? 0 : range,
+                     .word_gap = 0});
+  Samples samples = m_espeak.Speak(spoken).samples;
   samples.insert(samples.begin(), SamplesOf(0.2), 0);
   samples.insert(samples.end(), SamplesOf(0.2), 0);
   if (fault != SenseFault::kPause) return samples;
-  const auto starts = WordStarts(m_state->language, {right.text, "", {}, samples});
+  const auto starts = WordStarts(m_language, {right.text, "", {}, samples});
   if (starts.size() < 2) throw std::runtime_error("no two words in \"" + right.text + "\"");
   return WithSilence(samples, static_cast<std::size_t>(starts[starts.size() / 2]), 0.9);
 }

@@ -2,18 +2,19 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "common/LanguageType.h"
+#include "training/speech/EspeakSpeech.h"
 
 // Readings with one known fault each, to see whether grading finds that fault and no other. A
 // synthesiser can read a sentence twice in the same way but for one thing, which no person can.
 //
-//   SenseReadings readings(kLanguageEnglish);
+//   EspeakSpeech espeak;
+//   SenseReadings readings(kLanguageEnglish, espeak);
 //   for (const SenseFault fault : readings.Faults()) {
 //     auto samples = readings.Speak(sentence, voice, fault);
 //   }
@@ -46,16 +47,12 @@ struct SenseSentence {
 std::vector<std::int16_t> WithSilence(std::span<const std::int16_t> samples, std::size_t place,
                                       double seconds);
 
-// Speaks with espeak-ng, which is one a process: one object at a time.
 class SenseReadings {
  public:
-  // Throws std::runtime_error for an unknown language, or where the synthesiser is missing.
-  explicit SenseReadings(LanguageType language);
-  ~SenseReadings();
-  SenseReadings(const SenseReadings&) = delete;
-  SenseReadings& operator=(const SenseReadings&) = delete;
+  // Throws std::runtime_error for an unknown language. The synthesiser must outlive the object.
+  SenseReadings(LanguageType language, EspeakSpeech& espeak);
 
-  std::span<const SenseSentence> Sentences() const;
+  std::span<const SenseSentence> Sentences() const { return m_sentences; }
   std::size_t NumVoices() const;  // none of them heard in training
   std::string VoiceName(std::size_t voice, SenseFault fault) const;
   std::vector<SenseFault> Faults() const;  // that the language has
@@ -65,8 +62,9 @@ class SenseReadings {
   std::vector<std::int16_t> Speak(std::size_t sentence, std::size_t voice, SenseFault fault) const;
 
  private:
-  struct State;
-  std::unique_ptr<State> m_state;
+  LanguageType m_language;
+  std::span<const SenseSentence> m_sentences;
+  EspeakSpeech& m_espeak;
 };
 
 }  // namespace veral3::training

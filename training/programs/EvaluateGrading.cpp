@@ -129,7 +129,8 @@ void Run(const Options& options) {
   const auto language = static_cast<LanguageType>(options.language);
   LoadEngine(language, options.engine);
   LoadCertainGoodness();
-  const SenseReadings readings(language);
+  EspeakSpeech espeak;
+  const SenseReadings readings(language, espeak);
   std::vector<Trial> trials;
   for (std::size_t sentence = 0; sentence < readings.Sentences().size(); ++sentence) {
     for (std::size_t voice = 0; voice < readings.NumVoices(); ++voice) {
