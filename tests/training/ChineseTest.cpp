@@ -206,7 +206,7 @@ TEST(ChineseTexts, SaysWhatTheDictionaryHas) {
   EXPECT_EQ(sentence.tones, "3331");
   EXPECT_EQ(sentence.spoken_tones, "2331");
   std::string letters = sentence.pinyin;
-  std::erase(letters, ' ');
+  std::erase_if(letters, [](char c) { return c == ' ' || c == '-'; });
   EXPECT_EQ(letters, "ni2hao3,lao3shi1");
   EXPECT_THROW(Read({"abc"}), std::runtime_error);
 }

@@ -150,12 +150,6 @@ Words Fill(std::string_view pattern, const Vocabulary& vocabulary, bool rare, Ra
   return words;
 }
 
-// Syllables begun with a vowel would be read with the one before as one.
-bool NeedsHyphen(std::string_view pinyin) {
-  return std::string_view("aoe").find(pinyin[0]) != std::string_view::npos ||
-         pinyin.starts_with("ê");
-}
-
 }  // namespace
 
 std::string SpokenTones(std::string_view marks, const std::vector<bool>& bu,
@@ -167,6 +161,18 @@ std::string SpokenTones(std::string_view marks, const std::vector<bool>& bu,
     if (bu[i] && marks[i + 1] == '4') spoken[i] = '2';
   }
   return spoken;
+}
+
+ChineseSentence WithSpokenTones(ChineseSentence sentence, std::string_view tones) {
+  if (tones.size() != sentence.spoken_tones.size()) {
+    throw std::runtime_error("tones are not one a syllable");
+  }
+  std::size_t syllable = 0;
+  for (char& c : sentence.pinyin) {
+    if (c >= '1' && c <= '5') c = tones[syllable++];
+  }
+  sentence.spoken_tones = tones;
+  return sentence;
 }
 
 ChineseTexts::ChineseTexts(const std::string& path)
@@ -246,7 +252,7 @@ ChineseSentence ChineseTexts::Read(std::span<const std::string> words, Random& r
       } else if (i == 0) {
         before = pause_after.back() ? ", " : " ";
       } else if (joined) {
-        before = NeedsHyphen(*pinyin) ? "-" : "";
+        before = "-";  // else ba and ou, or jia and nv, would be read across their border
       }
       spellings.push_back({*pinyin, before});
       sentence.starts.push_back(offset + variant.syllable_starts[i]);
