@@ -10,3 +10,5 @@
 #include "grading/GradedAudio.h"
 #include "recognition/ModelFileType.h"
 #include "storage/AnnotatedAudio.h"
+#include "storage/HLYFile.h"
+#include "storage/SavedAlignedAudio.h"

@@ -1,5 +1,5 @@
-// The engine as an application meets it, on one core with the English resources: loading, a whole
-// alignment of real speech from 1 s to 60 s, and the memory that takes.
+// The engine as an application meets it, on one core with the English resources: loading, aligning,
+// analysing and grading speech from 1 s to 60 s, and the memory that takes.
 //
 //   veral3_benchmark_engine [Google Benchmark's options]
 
@@ -17,11 +17,16 @@
 
 #include "common/Messages.h"
 #include "core/AnalyzedAudio.h"
+#include "core/ModelScorers.h"
+#include "grading/GradedAudio.h"
+#include "recognition/CPhonemeSet.h"
+#include "recognition/Models.h"
 
 namespace {
 
 const std::string kRoot = VERAL3_SOURCE_DIR;
 const std::string kModel = kRoot + "/resources/EnglishFrame.model";
+const std::string kPhonemeModel = kRoot + "/resources/EnglishPhon.model";
 constexpr double kRate = 22050.0;
 
 struct Recording {
@@ -99,8 +104,7 @@ BENCHMARK(Align)->Arg(1)->Arg(5)->Arg(10)->Arg(30)->Arg(60)->Unit(benchmark::kMi
 void Analyze(benchmark::State& state) {
   const Recording speech = Speech(static_cast<double>(state.range(0)));
   std::vector<std::int16_t> samples = speech.samples;
-  AnalyzedAudio::LoadModelFile((kRoot + "/resources/EnglishPhon.model").c_str(),
-                               kPhonemeModelEnglish);
+  AnalyzedAudio::LoadModelFile(kPhonemeModel.c_str(), kPhonemeModelEnglish);
   AnalyzedAudio audio(kLanguageEnglish);
   audio.AddPossibleSentence(speech.text.c_str());
   const auto count = static_cast<std::uint32_t>(samples.size());
@@ -114,6 +118,90 @@ void Analyze(benchmark::State& state) {
       0.01 * seconds, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(Analyze)->Arg(1)->Arg(10)->Arg(60)->Unit(benchmark::kMillisecond);
+
+// Both, as an application calls them for every recording.
+void AlignAndAnalyze(benchmark::State& state) {
+  const Recording speech = Speech(static_cast<double>(state.range(0)));
+  AnalyzedAudio::LoadModelFile(kPhonemeModel.c_str(), kPhonemeModelEnglish);
+  std::vector<std::int16_t> samples;
+  for (auto _ : state) {
+    samples = speech.samples;
+    AnalyzedAudio audio(kLanguageEnglish);
+    audio.AddPossibleSentence(speech.text.c_str());
+    const auto count = static_cast<std::uint32_t>(samples.size());
+    if (audio.Align(count, samples.data()) < 0 || audio.Analyze(count, samples.data()) < 0) {
+      state.SkipWithError("not analysed");
+    }
+  }
+  const double seconds = static_cast<double>(samples.size()) / kRate;
+  state.counters["seconds"] = seconds;
+  state.counters["real_time_%"] = benchmark::Counter(
+      0.01 * seconds, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(AlignAndAnalyze)
+    ->Arg(1)
+    ->Arg(5)
+    ->Arg(10)
+    ->Arg(30)
+    ->Arg(60)
+    ->Unit(benchmark::kMillisecond);
+
+// What each phoneme of an utterance sounds like: its phonemes classified in one batch (argument 1)
+// or one at a time (0), which must give the same bits.
+void ClassifyPhonemes(benchmark::State& state) {
+  constexpr std::size_t kPhonemes = 120;  // about 10 s
+  AnalyzedAudio::LoadModelFile(kPhonemeModel.c_str(), kPhonemeModelEnglish);
+  const auto size = static_cast<std::size_t>(veral3::PhonemeSetOf(kLanguageEnglish)->GetSize());
+  const veral3::ModelsInUse models_in_use;
+  const veral3::PhonemeScorer scorer =
+      veral3::ScorerOf(veral3::PhonClassifierOf(CPhonemeSet::kEnglish));
+  std::vector<float> inputs(kPhonemes * veral3::kPhonemeInputSize);
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    inputs[i] = static_cast<float>((i * 2654435761u >> 8) % 2000) / 100.0F - 10.0F;
+  }
+  std::vector<double> scores(kPhonemes * size);
+  const auto one_by_one = [&] {
+    for (std::size_t p = 0; p < kPhonemes; ++p) {
+      scorer(std::span(inputs).subspan(p * veral3::kPhonemeInputSize, veral3::kPhonemeInputSize),
+             std::span(scores).subspan(p * size, size));
+    }
+  };
+  one_by_one();
+  const std::vector<double> expected = scores;
+  scorer(inputs, scores);
+  if (scores != expected) state.SkipWithError("batch and single differ");
+  for (auto _ : state) {
+    if (state.range(0) == 1) {
+      scorer(inputs, scores);
+    } else {
+      one_by_one();
+    }
+    benchmark::DoNotOptimize(scores.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kPhonemes));
+}
+BENCHMARK(ClassifyPhonemes)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
+// Grading alone, against a tutor of the same 13 words.
+void GradeAgainstTutor(benchmark::State& state) {
+  AnalyzedAudio::LoadModelFile(kPhonemeModel.c_str(), kPhonemeModelEnglish);
+  Recording speech;
+  Append("english-weather", speech);
+  Append("english-train", speech);
+  GradedAudio learner(kLanguageEnglish);
+  learner.AddPossibleSentence(speech.text.c_str());
+  const auto count = static_cast<std::uint32_t>(speech.samples.size());
+  if (learner.Align(count, speech.samples.data()) < 0 ||
+      learner.Analyze(count, speech.samples.data()) < 0) {
+    state.SkipWithError("not analysed");
+  }
+  GradedAudio tutor = learner;
+  for (auto _ : state) {
+    if (learner.GradeAgainstTutor(&tutor) < 0) state.SkipWithError("not graded");
+  }
+  state.counters["words"] = learner.GetNumOfWords();
+}
+BENCHMARK(GradeAgainstTutor)->Unit(benchmark::kMicrosecond);
 
 long PeakResidentKilobytes() {
   std::ifstream status("/proc/self/status");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 
 #include "core/AlignedAudio.h"
@@ -124,6 +125,40 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // Suppresses steady noise in place, before an alignment. `policy`: 0 (mild) to 3 (strong).
   // Returns 1, or -1 with a message and the samples unchanged.
   static int NoiseReduction(std::int16_t* samples, std::uint32_t num_samples, int policy);
+
+  // The alignment record: this recording in 2544 bytes, from which a SavedAlignedAudio reads it
+  // back as a tutor (docs/formats/alignment-record.md). `buffer` has room for GetSizeOfAlignInfo()
+  // bytes. Returns 0; -1 with a message, and the buffer as it was, when nothing is aligned, for
+  // more than 127 phonemes, 64 syllables or 64 words, or without a buffer.
+  static int GetSizeOfAlignInfo();
+  int GetAlignInfo(unsigned char* buffer);
+
+  // Prints the result for inspection on standard output. Returns 0, or -1 with a message when
+  // nothing is aligned.
+  int PrintAlignmentResult();
+
+  // Training examples for the classifiers, appended to streams that the caller opened: a line of
+  // features in one stream, a line of "1" and "0" columns in the other. Numbers are in the classic
+  // locale and six digits, whatever the streams are set to; a line end is the one character 10.
+  // Each returns 0, or -1 with a message: when nothing is aligned, when an analysis is needed and
+  // there was none (nothing is written in both cases), when a stream does not take it.
+  int SaveUttGoodnessTrainData(bool good, std::ostream& features, std::ostream& labels);
+  int SaveSylCTToneData(std::ostream& features, std::ostream& labels);
+  int SavePhonMFCCDataToFiles(std::ostream& features, std::ostream& labels);
+
+  // Frames that the path is sure of (`threshold`: least sum of its phoneme's three scores) and
+  // whose loudness fits, labelled by the path; all frames, labelled by their place in phoneme or
+  // pause.
+  int SaveFrameMFCCDataToFiles(std::ostream& features, std::ostream& labels, double threshold);
+  int SaveAdjustedFrameMFCCDataToFiles(std::ostream& features, std::ostream& labels);
+
+  // Figures about what is unusual, likewise: a line a syllable (intensity convexity, pitch
+  // segments, frames in gaps, voiced frames, 1 for the last), a line a phoneme (number, symbol,
+  // samples, MFCC probability), a line for each syllable but the first (number, loud frames and
+  // MFCC probability of the gap before it).
+  int SaveSylBadTraits(std::ostream& lines);
+  int SavePhonBadTraits(std::ostream& lines);
+  int SaveSylPauseBadTraits(std::ostream& lines);
 
   // Forgets what the analysis measured frame by frame and syllable by syllable; the alignment, the
   // pronunciation and the waveform contour stay.

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "common/MessageWriter.h"
+#include "common/TextLines.h"
 
 namespace veral3 {
 namespace {
@@ -20,25 +21,6 @@ T At(const std::vector<T>& values, int index) {
   const auto at = static_cast<std::size_t>(index);
   return at < values.size() ? values[at] : T{};
 }
-
-// Lines go out whole and in the classic locale, whatever the stream is set to.
-class Line {
- public:
-  explicit Line(std::ostream& out) : m_out(out) { m_text.imbue(std::locale::classic()); }
-  ~Line() { m_out << m_text.str() << std::endl; }
-  Line(const Line&) = delete;
-  Line& operator=(const Line&) = delete;
-
-  template <typename T>
-  Line& operator<<(const T& value) {
-    m_text << value;
-    return *this;
-  }
-
- private:
-  std::ostream& m_out;
-  std::ostringstream m_text;
-};
 
 }  // namespace
 
@@ -79,25 +61,34 @@ void PrintScores(const ReportHead& head, const GradedResult& graded) {
 void WriteUttMismatchTraits(std::ostream& out, std::string_view phonemes, int num_syllables,
                             int num_pitch_segments, const GradedResult& graded) {
   const double ratio = graded.pitch_segment_ratio;
-  Line(out) << phonemes << "," << graded.timing_traits[0] << "," << graded.timing_traits[1] << ","
-            << graded.timing_traits[2] << "," << num_syllables << ","
-            << (ratio == 0.0 ? 0.0 : num_pitch_segments / ratio) << "," << num_pitch_segments;
+  TextLines lines(out);
+  lines << phonemes << "," << graded.timing_traits[0] << "," << graded.timing_traits[1] << ","
+        << graded.timing_traits[2] << "," << num_syllables << ","
+        << (ratio == 0.0 ? 0.0 : num_pitch_segments / ratio) << "," << num_pitch_segments;
+  lines.End();
+  out.flush();
 }
 
 void WriteSylMismatchTraits(std::ostream& out, int num_syllables, const GradedResult& graded) {
+  TextLines lines(out);
   for (int s = 0; s < num_syllables; ++s) {
-    Line(out) << (s == 0                   ? "H,"
-                  : s == num_syllables - 1 ? "T,"
-                                           : "-,")
-              << At(graded.syllable_timing_percent, s) << ","
-              << At(graded.syllable_intensity_percent, s);
+    lines << (s == 0                   ? "H,"
+              : s == num_syllables - 1 ? "T,"
+                                       : "-,")
+          << At(graded.syllable_timing_percent, s) << ","
+          << At(graded.syllable_intensity_percent, s);
+    lines.End();
+    out.flush();
   }
 }
 
 void WriteWordMismatchTraits(std::ostream& out, int num_words, const GradedResult& graded) {
+  TextLines lines(out);
   for (int w = 0; w < num_words; ++w) {
-    Line(out) << At(graded.word_pitch_contrast, w) << "," << At(graded.word_timing_contrast, w)
-              << "," << At(graded.word_intensity_contrast, w);
+    lines << At(graded.word_pitch_contrast, w) << "," << At(graded.word_timing_contrast, w) << ","
+          << At(graded.word_intensity_contrast, w);
+    lines.End();
+    out.flush();
   }
 }
 

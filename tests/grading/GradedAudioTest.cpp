@@ -162,6 +162,18 @@ TEST_F(GradedAudioTest, ReportHasItsLines) {
   EXPECT_NE(report.find("Total Score of Word =["), std::string::npos);
 }
 
+// A stream that throws when it fails is no reason for the process to end.
+TEST_F(GradedAudioTest, MismatchLinesToAStreamThatThrows) {
+  ASSERT_GE(m_learner.GradeAgainstTutor(&m_tutor), 0);
+  std::ofstream out;  // closed: every write fails
+  out.exceptions(std::ios::badbit | std::ios::failbit);
+  m_messages.Clear();
+  m_learner.SaveUttMismatchTraits(&out);
+  m_learner.SaveSylMismatchTraits(&out);
+  m_learner.SaveWordMismatchTraits(&out);
+  EXPECT_EQ(m_messages.Entries().size(), 3u);
+}
+
 TEST_F(GradedAudioTest, MismatchLines) {
   ASSERT_GE(m_learner.GradeAgainstTutor(&m_tutor), 0);
   const test::ScratchFolder folder;
