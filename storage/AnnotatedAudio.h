@@ -28,7 +28,8 @@ struct Annotation;
 // of threads may annotate with objects of their own.
 class VERAL3_API AnnotatedAudio {
  public:
-  // Annotates 16-bit mono samples at 22050 Hz, which stay the caller's and as they are. What an
+  // Annotates 16-bit mono samples at 22050 Hz, which stay the caller's and as they are: nothing is
+  // filtered, though the models know voices without what lies below 80 Hz. What an
   // earlier recording left is gone either way. Returns 0, also for a recording of fewer than 551
   // samples, which has no frames; -1 after a message without samples, without a frame model of the
   // language, or for more than 2^31 - 1 samples. An unknown language is reported and English taken.

@@ -9,6 +9,7 @@
 #include "tools/Console.h"
 #include "tools/Languages.h"
 #include "tools/ReportWriter.h"
+#include "tools/RunReports.h"
 
 namespace veral3::tools {
 namespace {
@@ -80,29 +81,16 @@ int RunAlign(const AlignOptions& options) {
   if (const std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
   if (!LoadFor(options, ResourceUse::kAlign, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
-
-  ReportWriter writer(target, files);
-  if (!writer.Error().empty()) return fail(writer.Error());
+  const LanguageType language = LanguageOf(options.language);
   const std::vector<std::string> recordings = RecordingNames(files);
-  int status = kAllDone;
-  std::size_t done = 0;
-  console.Progress(0, files.size(), files.front());
-  RunAlignJobs(*jobs, LanguageOf(options.language), options.jobs, [&](const AlignOutcome& outcome) {
-    const AlignmentReport& report = outcome.report;
-    PrintMessages(console, report.file, outcome.messages);
-    if (!report.error.empty()) {
-      console.Error(report.file + ": " + report.error);
-      status = kSomeFailed;
-    }
-    writer.Write(report.file, TextOf(report, format, tier, recordings[done]));
-    ++done;
-    if (done < files.size()) console.Progress(done, files.size(), files[done]);
-  });
-  if (const std::string error = writer.Finish(); !error.empty()) {
-    console.Error(error);
-    status = kSomeFailed;
-  }
-  return status;
+  return RunReports(
+      target, files, options.jobs,
+      [&](std::size_t i) {
+        const AlignOutcome outcome = RunAlignJob((*jobs)[i], language);
+        return RecordingReport{outcome.messages, outcome.report.error,
+                               TextOf(outcome.report, format, tier, recordings[i])};
+      },
+      console);
 }
 
 }  // namespace veral3::tools

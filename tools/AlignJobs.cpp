@@ -7,7 +7,6 @@
 
 #include "core/AnalyzedAudio.h"
 #include "tools/EngineMessages.h"
-#include "tools/InOrder.h"
 #include "tools/Numbers.h"
 
 namespace veral3::tools {
@@ -72,12 +71,6 @@ AlignOutcome RunAlignJob(const AlignJob& job, LanguageType language) {
   });
   if (!error.empty()) outcome.report = FailedReport(job, std::move(error));
   return outcome;
-}
-
-void RunAlignJobs(const std::vector<AlignJob>& jobs, LanguageType language, int threads,
-                  const std::function<void(const AlignOutcome&)>& take) {
-  RunInOrder<AlignOutcome>(
-      jobs.size(), threads, [&](std::size_t i) { return RunAlignJob(jobs[i], language); }, take);
 }
 
 }  // namespace veral3::tools

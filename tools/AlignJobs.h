@@ -9,7 +9,7 @@
 #include "tools/AudioFile.h"
 #include "tools/Result.h"
 
-// Aligning many recordings, one after another or several at a time.
+// Aligning the recording of a job.
 namespace veral3::tools {
 
 struct AlignJob {
@@ -44,10 +44,5 @@ AlignmentReport FailedReport(const AlignJob& job, std::string error);
 // Reads and aligns one recording. The resources of `language` are loaded. Nothing throws: what goes
 // wrong is the report's error.
 AlignOutcome RunAlignJob(const AlignJob& job, LanguageType language);
-
-// Runs all jobs, up to `threads` at a time, and hands over each outcome in the order of the jobs,
-// on the calling thread. Outcomes are the same for any number of threads.
-void RunAlignJobs(const std::vector<AlignJob>& jobs, LanguageType language, int threads,
-                  const std::function<void(const AlignOutcome&)>& take);
 
 }  // namespace veral3::tools

@@ -187,14 +187,17 @@ std::string Table(const AlignmentReport& report) {
 std::string Json(const AlignmentReport& report) { return JsonText(AlignmentJson(report)); }
 
 std::string TextGrid(const AlignmentReport& report) {
+  return TextGrid(report, {Tier::kWords, Tier::kSyllables, Tier::kPhonemes});
+}
+
+std::string TextGrid(const AlignmentReport& report, const std::vector<Tier>& tiers) {
   if (!report.error.empty()) return "";
   std::string text = "File type = \"ooTextFile\"\nObject class = \"TextGrid\"\n\n";
   text += "xmin = 0\n";
   text += "xmax = " + Fixed(Seconds(report.num_samples), 6) + "\n";
-  text += "tiers? <exists>\nsize = 3\nitem []:\n";
-  text += TextGridTier(1, Tier::kWords, report);
-  text += TextGridTier(2, Tier::kSyllables, report);
-  text += TextGridTier(3, Tier::kPhonemes, report);
+  text += "tiers? <exists>\nsize = " + std::to_string(tiers.size()) + "\nitem []:\n";
+  int number = 0;
+  for (const Tier tier : tiers) text += TextGridTier(++number, tier, report);
   return text;
 }
 

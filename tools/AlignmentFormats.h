@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/AlignmentReport.h"
 
@@ -33,8 +34,9 @@ std::string Table(const AlignmentReport& report);
 std::string Json(const AlignmentReport& report);
 
 // Praat's long text format: the tiers words, syllables and phonemes from 0 to the recording's end,
-// pauses as intervals with an empty text.
+// pauses as intervals with an empty text. Or some of the tiers only.
 std::string TextGrid(const AlignmentReport& report);
+std::string TextGrid(const AlignmentReport& report, const std::vector<Tier>& tiers);
 
 // NIST time marks of one tier, a line a segment: `recording` (without blanks), channel 1, start and
 // duration in seconds, text, confidence.

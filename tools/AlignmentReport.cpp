@@ -45,11 +45,12 @@ AlignmentReport MakeReport(std::string file, std::string sentence, AnalyzedAudio
   report.num_samples = audio.GetNumOfSamples();
 
   const int num_phonemes = audio.GetNumOfPhonemes();
+  // The floor under each score can lift a sum of three a little above 1.
   const std::string symbols(audio.GetPhonemes(), static_cast<std::size_t>(num_phonemes));
   for (int i = 0; i < num_phonemes; ++i) {
     report.phonemes.push_back({std::string(1, symbols[static_cast<std::size_t>(i)]),
                                audio.GetPhonemeStartSampleNum(i), audio.GetPhonemeEndSampleNum(i),
-                               audio.GetPhonMFCCProb(i), 0});
+                               std::min(audio.GetPhonMFCCProb(i), 1.0), 0});
   }
 
   const int num_syllables = audio.GetNumOfSyllables();

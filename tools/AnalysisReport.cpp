@@ -89,7 +89,7 @@ std::vector<Pause> PausesOf(AnalyzedAudio& audio) {
     pause.start = gap == 0 ? 0 : audio.GetPhonemeEndSampleNum(gap - 1);
     pause.end = gap == num_phonemes ? audio.GetNumOfSamples() : audio.GetPhonemeStartSampleNum(gap);
     if (pause.end - pause.start < kFrameShift) continue;
-    pause.probability = Finite(audio.GetPauseMFCCProb(gap));
+    pause.probability = Finite(std::min(audio.GetPauseMFCCProb(gap), 1.0));
     pauses.push_back(pause);
   }
   return pauses;

@@ -8,9 +8,9 @@
 #include "tools/AnalysisFormats.h"
 #include "tools/AnalyzeJobs.h"
 #include "tools/Console.h"
-#include "tools/InOrder.h"
 #include "tools/Languages.h"
 #include "tools/ReportWriter.h"
+#include "tools/RunReports.h"
 
 namespace veral3::tools {
 namespace {
@@ -51,32 +51,15 @@ int RunAnalyze(const ReadingOptions& options) {
   if (const std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
   if (!LoadFor(options, ResourceUse::kMeasure, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
-
-  ReportWriter writer(target, files);
-  if (!writer.Error().empty()) return fail(writer.Error());
   const LanguageType language = LanguageOf(options.language);
-  int status = kAllDone;
-  std::size_t done = 0;
-  console.Progress(0, files.size(), files.front());
-  RunInOrder<AnalyzeOutcome>(
-      jobs->size(), options.jobs,
-      [&](std::size_t i) { return RunAnalyzeJob((*jobs)[i], language); },
-      [&](const AnalyzeOutcome& outcome) {
-        const AlignmentReport& alignment = outcome.report.alignment;
-        PrintMessages(console, alignment.file, outcome.messages);
-        if (!alignment.error.empty()) {
-          console.Error(alignment.file + ": " + alignment.error);
-          status = kSomeFailed;
-        }
-        writer.Write(alignment.file, TextOf(outcome.report, format));
-        ++done;
-        if (done < files.size()) console.Progress(done, files.size(), files[done]);
-      });
-  if (const std::string error = writer.Finish(); !error.empty()) {
-    console.Error(error);
-    status = kSomeFailed;
-  }
-  return status;
+  return RunReports(
+      target, files, options.jobs,
+      [&](std::size_t i) {
+        const AnalyzeOutcome outcome = RunAnalyzeJob((*jobs)[i], language);
+        return RecordingReport{outcome.messages, outcome.report.alignment.error,
+                               TextOf(outcome.report, format)};
+      },
+      console);
 }
 
 }  // namespace veral3::tools

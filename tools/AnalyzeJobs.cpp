@@ -18,7 +18,7 @@ std::string Analyze(AlignedRecording& aligned, AnalyzedAudio& audio, std::string
   }
   std::istringstream lines(engine.Text());
   for (std::string line; std::getline(lines, line);) {
-    if (!line.ends_with("no model is loaded.")) messages += line + "\n";
+    if (!line.ends_with("model is loaded.")) messages += line + "\n";
   }
   return "";
 }

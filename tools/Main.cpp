@@ -8,6 +8,8 @@
 
 #include "tools/AlignCommand.h"
 #include "tools/AnalyzeCommand.h"
+#include "tools/AnnotateCommand.h"
+#include "tools/DenoiseCommand.h"
 #include "tools/CheckTextCommand.h"
 
 namespace {
@@ -20,11 +22,15 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(
       "Example:\n  veral3 align --lang en --text \"Good morning\" recording.wav\n\n"
-      "veral3 align --help tells more.");
+      "veral3 COMMAND --help tells more.");
   veral3::tools::AlignOptions align;
   const CLI::App* align_command = veral3::tools::AddAlignCommand(app, align);
   veral3::tools::ReadingOptions analyze;
   const CLI::App* analyze_command = veral3::tools::AddAnalyzeCommand(app, analyze);
+  veral3::tools::RecordingOptions annotate;
+  const CLI::App* annotate_command = veral3::tools::AddAnnotateCommand(app, annotate);
+  veral3::tools::DenoiseOptions denoise;
+  const CLI::App* denoise_command = veral3::tools::AddDenoiseCommand(app, denoise);
   veral3::tools::CheckTextOptions check_text;
   const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
 
@@ -39,6 +45,8 @@ int Run(int argc, char** argv) {
   }
   if (align_command->parsed()) return veral3::tools::RunAlign(align);
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
+  if (annotate_command->parsed()) return veral3::tools::RunAnnotate(annotate);
+  if (denoise_command->parsed()) return veral3::tools::RunDenoise(denoise);
   if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
   return kWrongUsage;
 }

@@ -10,28 +10,39 @@
 
 namespace veral3::tools {
 
-void AddLanguageOption(CLI::App& command, std::string& language, const std::string& of) {
-  command.add_option("--lang", language, "Language of the " + of)
-      ->check(CLI::IsMember({"en", "zh", "ja"}))
-      ->type_name("CODE")
-      ->required();
-}
-
-void AddResourcesOption(CLI::App& command, std::optional<std::string>& resources) {
-  command
-      .add_option("--resources", resources,
-                  "Folder of dictionaries and models (default: share/veral3 of the installation)")
-      ->type_name("FOLDER");
-}
-
-void AddReadingOptions(CLI::App& command, ReadingOptions& options,
-                       const std::vector<std::string>& formats, const std::string& done) {
+void AddRecordingOptions(CLI::App& command, RecordingOptions& options,
+                         const std::vector<std::string>& formats, const std::string& done) {
   command
       .add_option("FILE", options.files,
                   "Recordings: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, of any "
                   "rate and number of channels, up to 15 minutes each")
       ->type_name("");
-  AddLanguageOption(command, options.language, "sentence");
+  command.add_option("--lang", options.language, "Language that is spoken")
+      ->check(CLI::IsMember({"en", "zh", "ja"}))
+      ->type_name("CODE")
+      ->required();
+  command.add_option("--format", options.format, "Form of the result (default table)")
+      ->check(CLI::IsMember(formats))
+      ->type_name("FORMAT");
+  command
+      .add_option("--output", options.output,
+                  "File for the result, or folder (ending in / if it is new) for one file a "
+                  "recording; without it standard output")
+      ->type_name("PATH");
+  command
+      .add_option("--resources", options.resources,
+                  "Folder of dictionaries and models (default: share/veral3 of the installation)")
+      ->type_name("FOLDER");
+  command
+      .add_option("--jobs", options.jobs, "Recordings " + done + " at the same time (default 1)")
+      ->check(CLI::Range(1, 256))
+      ->type_name("N");
+  command.add_flag("--verbose", options.verbose, "Tell what was loaded");
+}
+
+void AddReadingOptions(CLI::App& command, ReadingOptions& options,
+                       const std::vector<std::string>& formats, const std::string& done) {
+  AddRecordingOptions(command, options, formats, done);
   command
       .add_option("--text", options.texts,
                   "The sentence that was read; with several (up to 8), the one that fits best is "
@@ -47,22 +58,8 @@ void AddReadingOptions(CLI::App& command, ReadingOptions& options,
                   "UTF-8 file with a recording a line: path (from the list's folder), tab, "
                   "sentence; further candidates behind further tabs")
       ->type_name("TSV");
-  command.add_option("--format", options.format, "Form of the result (default table)")
-      ->check(CLI::IsMember(formats))
-      ->type_name("FORMAT");
-  command
-      .add_option("--output", options.output,
-                  "File for the result, or folder (ending in / if it is new) for one file a "
-                  "recording; without it standard output")
-      ->type_name("PATH");
-  AddResourcesOption(command, options.resources);
-  command
-      .add_option("--jobs", options.jobs, "Recordings " + done + " at the same time (default 1)")
-      ->check(CLI::Range(1, 256))
-      ->type_name("N");
   command.add_flag("--skip-unknown", options.skip_unknown,
                    "Pass over words that the dictionary lacks instead of stopping");
-  command.add_flag("--verbose", options.verbose, "Tell what was loaded");
 }
 
 Result<std::vector<AlignJob>> JobsOf(const ReadingOptions& options) {
@@ -108,7 +105,7 @@ std::vector<std::string> FilesOf(const std::vector<AlignJob>& jobs) {
   return files;
 }
 
-bool LoadFor(const ReadingOptions& options, ResourceUse use, Console& console) {
+bool LoadFor(const RecordingOptions& options, ResourceUse use, Console& console) {
   const LanguageType language = LanguageOf(options.language);
   const auto folder = FindResources(options.resources, language);
   if (!folder) {
@@ -131,15 +128,6 @@ bool PlanFor(const ReadingOptions& options, std::vector<AlignJob>& jobs, Console
   const SentencePlan plan = PlanSentences(jobs, LanguageOf(options.language), options.skip_unknown);
   console.Error(plan.messages);
   return plan.usable;
-}
-
-void PrintMessages(Console& console, const std::string& file, const std::string& messages) {
-  std::string_view left = messages;
-  while (!left.empty()) {
-    const std::size_t end = left.find('\n');
-    console.Error(file + ": " + std::string(left.substr(0, end)));
-    left = end == std::string_view::npos ? std::string_view() : left.substr(end + 1);
-  }
 }
 
 }  // namespace veral3::tools

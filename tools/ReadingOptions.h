@@ -22,28 +22,31 @@
 //   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
 namespace veral3::tools {
 
-struct ReadingOptions {
+// Recordings of any content.
+struct RecordingOptions {
   std::string language = "en";
-  std::vector<std::string> texts;
-  std::optional<std::string> text_file;
-  std::optional<std::string> list;
   std::vector<std::string> files;
   std::string format = "table";
   std::string output;
   std::optional<std::string> resources;
   int jobs = 1;
-  bool skip_unknown = false;
   bool verbose = false;
 };
 
-// Adds them to `command`; parsing fills `options`, which must live as long. `formats`: what
+// Recordings of sentences.
+struct ReadingOptions : RecordingOptions {
+  std::vector<std::string> texts;
+  std::optional<std::string> text_file;
+  std::optional<std::string> list;
+  bool skip_unknown = false;
+};
+
+// Add the options to `command`; parsing fills `options`, which must live as long. `formats`: what
 // --format takes. `done`: what becomes of recordings ("aligned").
+void AddRecordingOptions(CLI::App& command, RecordingOptions& options,
+                         const std::vector<std::string>& formats, const std::string& done);
 void AddReadingOptions(CLI::App& command, ReadingOptions& options,
                        const std::vector<std::string>& formats, const std::string& done);
-
-// --lang and --resources alone, for commands that take other recordings.
-void AddLanguageOption(CLI::App& command, std::string& language, const std::string& of);
-void AddResourcesOption(CLI::App& command, std::optional<std::string>& resources);
 
 // The jobs that the options ask for, without prepared sentences.
 Result<std::vector<AlignJob>> JobsOf(const ReadingOptions& options);
@@ -52,12 +55,9 @@ std::vector<std::string> FilesOf(const std::vector<AlignJob>& jobs);
 
 // Loads the resources. What is missing of those that `use` could do without is told of. False after
 // a message when that is not enough.
-bool LoadFor(const ReadingOptions& options, ResourceUse use, Console& console);
+bool LoadFor(const RecordingOptions& options, ResourceUse use, Console& console);
 
 // Prepares the sentences of the jobs. False after messages when one cannot be used.
 bool PlanFor(const ReadingOptions& options, std::vector<AlignJob>& jobs, Console& console);
-
-// Writes lines about a recording, each with its name in front.
-void PrintMessages(Console& console, const std::string& file, const std::string& messages);
 
 }  // namespace veral3::tools

@@ -8,6 +8,7 @@
 #include "support/SmallEngine.h"
 #include "support/Vectors.h"
 #include "tools/AlignmentFormats.h"
+#include "tools/InOrder.h"
 
 namespace veral3::tools {
 namespace {
@@ -30,9 +31,11 @@ TEST(AlignJobsThreads, OutcomesAreThoseOfOneThreadInOrder) {
   }
   const auto run = [&](int threads) {
     std::string all;
-    RunAlignJobs(jobs, kLanguageEnglish, threads, [&](const AlignOutcome& outcome) {
-      all += Json(outcome.report) + outcome.messages + "\n";
-    });
+    RunInOrder<AlignOutcome>(
+        jobs.size(), threads, [&](std::size_t i) { return RunAlignJob(jobs[i], kLanguageEnglish); },
+        [&](const AlignOutcome& outcome) {
+          all += Json(outcome.report) + outcome.messages + "\n";
+        });
     return all;
   };
   const std::string one = run(1);

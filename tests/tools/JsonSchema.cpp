@@ -64,15 +64,17 @@ class Checker {
       return "";
     }
     const auto length = [&] { return WideFromUtf8(value.get<std::string>()).size(); };
-    const bool holds = keyword == "type"      ? HasAnyType(value, argument)
-                       : keyword == "const"   ? value == argument
-                       : keyword == "enum"    ? std::ranges::find(argument, value) != argument.end()
-                       : keyword == "minimum" ? value >= argument
-                       : keyword == "maximum" ? value <= argument
-                       : keyword == "minItems"  ? value.size() >= argument
-                       : keyword == "minLength" ? length() >= argument
+    const bool holds = keyword == "type"    ? HasAnyType(value, argument)
+                       : keyword == "const" ? value == argument
+                       : keyword == "enum"  ? std::ranges::find(argument, value) != argument.end()
+                       // These say something of values of their own type only.
+                       : keyword == "minimum"   ? !value.is_number() || value >= argument
+                       : keyword == "maximum"   ? !value.is_number() || value <= argument
+                       : keyword == "minItems"  ? !value.is_array() || value.size() >= argument
+                       : keyword == "maxItems"  ? !value.is_array() || value.size() <= argument
+                       : keyword == "minLength" ? !value.is_string() || length() >= argument
                        : keyword == "maxLength"
-                           ? length() <= argument
+                           ? !value.is_string() || length() <= argument
                            : throw std::runtime_error("unknown keyword " + keyword);
     return holds ? "" : path + " = " + value.dump() + " breaks " + keyword;
   }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "tools/AlignmentReport.h"
+#include "tools/AnalysisReport.h"
 
 namespace veral3::tools::test {
 
@@ -18,6 +21,30 @@ inline AlignmentReport SampleReport() {
   report.phonemes = {{"g", 2200, 3300, 0.5},   {"@", 3300, 5500, 0.5},   {"U", 5500, 6600, 0.5},
                      {"@", 8800, 9900, 0.25},  {"w", 9900, 11000, 0.25}, {"E", 11000, 15400, 0.25},
                      {"I", 15400, 17600, 0.25}};
+  return report;
+}
+
+// The same, measured: with all that can be missing once there and once not.
+inline AnalysisReport SampleAnalysis() {
+  AnalysisReport report;
+  report.alignment = SampleReport();
+  report.start = 2200;
+  report.end = 17600;
+  report.mean_pitch = 120;
+  report.pitch_segments = 3;
+  report.goodness_probability = 0.9375;
+  report.signal_to_noise_db = 21.25;
+  report.speech_energy_ratio = 0.5;
+  report.words = {{180}, {90}};
+  report.syllables = {{180, 4400, 1e9, -27.5, 1, std::nullopt, {}, 1.0, 1},
+                      {180, 1100, 1e8, -37.5, 0, std::nullopt, {}, 0.5, 2},
+                      {std::nullopt, 7700, 0.0, std::nullopt, 1, std::nullopt, {}, 1.0, 0}};
+  report.phonemes.resize(7);
+  report.phonemes[0] = {"k", 0.5, {{"k", 0.5}, {"g", 0.375}, {"-", 0.125}}};
+  report.pauses = {{-1, 0, 2200, 0.25}, {2, 6600, 8800, std::nullopt}, {6, 17600, 22050, 1.0}};
+  report.contours.wave.assign(100, 7);
+  report.contours.pitch.assign(128, 8);
+  report.contours.intensity.assign(128, 9);
   return report;
 }
 

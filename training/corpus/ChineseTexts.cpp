@@ -163,6 +163,18 @@ std::string SpokenTones(std::string_view marks, const std::vector<bool>& bu,
   return spoken;
 }
 
+ChineseSentence WithSpokenTones(ChineseSentence sentence, std::string_view tones) {
+  if (tones.size() != sentence.spoken_tones.size()) {
+    throw std::runtime_error("tones are not one a syllable");
+  }
+  std::size_t syllable = 0;
+  for (char& c : sentence.pinyin) {
+    if (c >= '1' && c <= '5') c = tones[syllable++];
+  }
+  sentence.spoken_tones = tones;
+  return sentence;
+}
+
 ChineseTexts::ChineseTexts(const std::string& path)
     : m_dictionary(ReadDictionaryFile(path.c_str())) {
   if (m_dictionary.words.empty()) throw std::runtime_error("no words in " + path);

@@ -28,6 +28,9 @@ struct ChineseSentence {
 std::string SpokenTones(std::string_view marks, const std::vector<bool>& bu,
                         const std::vector<bool>& pause_after);
 
+// The same sentence said in other tones, a digit a syllable; its text and marks stay.
+ChineseSentence WithSpokenTones(ChineseSentence sentence, std::string_view tones);
+
 // Chinese sentences made of templates, common words and words of the dictionary, in everyday
 // Mandarin of Taiwan. The held-out ones have templates of their own and content words of their own;
 // only function words are shared.
