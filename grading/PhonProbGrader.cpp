@@ -31,22 +31,11 @@ constexpr std::array<double, 26> kJapanese = {
     0.145589927, 0.042890005, 1.445668624, 0.795235789, 0.954597736, 0.552848235, 0.284884073,
     0.074762395, 1.30716145,  1.892275561, 0.342333071, 1.0};
 
-std::span<const double> NormalisersOf(LanguageType language) {
-  switch (language) {
-    case kLanguageEnglish:
-      return kEnglish;
-    case kLanguageChinese:
-      return kChinese;
-    case kLanguageJapanese:
-      return kJapanese;
-  }
-  return {};
-}
-
 }  // namespace
 
 PhonProbGrader::PhonProbGrader(LanguageType language)
-    : m_eLanguage(language), m_nNumOfPhonemes(static_cast<int>(NormalisersOf(language).size())) {
+    : m_eLanguage(language),
+      m_nNumOfPhonemes(static_cast<int>(veral3::PhonemeNormalisersOf(language).size())) {
   if (m_nNumOfPhonemes == 0) {
     veral3::Message(veral3::MessageStream::kError)
         << "Unkonwn Language Type in PhonProbGrader::PhonProbGrader()\n";
@@ -59,7 +48,7 @@ int PhonProbGrader::ComputePhonScore(char phoneme, std::span<const double> distr
   double normaliser = 1.0;
   if (set) {
     k = static_cast<std::size_t>(std::max(set->GetPhonemeIndex(phoneme), 0));
-    normaliser = NormalisersOf(m_eLanguage)[k];
+    normaliser = veral3::PhonemeNormalisersOf(m_eLanguage)[k];
   } else {
     veral3::Message(veral3::MessageStream::kError)
         << "Unkonwn Language Type in PhonProbGrader::ComputePhonScore()\n";
@@ -72,6 +61,18 @@ int PhonProbGrader::ComputePhonScore(char phoneme, std::span<const double> distr
 }
 
 namespace veral3 {
+
+std::span<const double> PhonemeNormalisersOf(LanguageType language) {
+  switch (language) {
+    case kLanguageEnglish:
+      return kEnglish;
+    case kLanguageChinese:
+      return kChinese;
+    case kLanguageJapanese:
+      return kJapanese;
+  }
+  return {};
+}
 
 const PhonProbGrader* PhonProbGraderOf(LanguageType language) {
   static const PhonProbGrader english(kLanguageEnglish);

@@ -25,6 +25,10 @@ class PhonProbGrader {
 
 namespace veral3 {
 
+// The normalisers of a language, one a phoneme in the order of its set (the pause's is not a
+// frequency); empty for a value that names none.
+std::span<const double> PhonemeNormalisersOf(LanguageType language);
+
 // The process-wide grader of a language; null for a value that names none.
 const PhonProbGrader* PhonProbGraderOf(LanguageType language);
 

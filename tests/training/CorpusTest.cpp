@@ -19,7 +19,7 @@ std::filesystem::path Scratch(const std::string& name) {
 
 TEST(CorpusFile, GivesBackWhatWasWritten) {
   const auto path = Scratch("round.corpus");
-  const Utterance first{"a text", "a voice", {{'-', 0}, {'A', 7}}, {1, -2, 32767}};
+  const Utterance first{"a text", "a voice", {{'-', 0}, {'A', 7}}, {1, -2, 32767}, "3", "2", {0}};
   const Utterance empty{"", "", {}, {}};
   CorpusWriter writer(path);
   writer.Write(first);
@@ -33,6 +33,9 @@ TEST(CorpusFile, GivesBackWhatWasWritten) {
   EXPECT_EQ(read->voice, first.voice);
   EXPECT_EQ(read->labels, first.labels);
   EXPECT_EQ(read->samples, first.samples);
+  EXPECT_EQ(read->tones, "3");
+  EXPECT_EQ(read->spoken_tones, "2");
+  EXPECT_EQ(read->syllables, first.syllables);
   EXPECT_EQ(PhonemesOf(*read), "A");
   EXPECT_TRUE(reader.Next().has_value());
   EXPECT_FALSE(reader.Next().has_value());
@@ -51,6 +54,32 @@ TEST(CorpusFile, RefusesDamagedFiles) {
   EXPECT_THROW(CorpusReader{path}, std::runtime_error);
   EXPECT_THROW(CorpusReader{Scratch("missing.corpus")}, std::runtime_error);
   EXPECT_THROW(CorpusWriter("/no/such/folder/x.corpus"), std::runtime_error);
+}
+
+TEST(CorpusFile, ReadsTheFirstVersionWhichHadNoTones) {
+  const auto path = Scratch("old.corpus");
+  // Five fields: text, voice, symbols, starts, samples, each with its length in bytes before it.
+  constexpr char kFields[] = "\1\0\0\0a\1\0\0\0v\1\0\0\0-\4\0\0\0\0\0\0\0\2\0\0\0\7\0";
+  std::ofstream(path, std::ios::binary) << "V3CORP1\n"
+                                        << std::string_view(kFields, sizeof kFields - 1)
+                                        << std::string_view(kFields, sizeof kFields - 1);
+  CorpusReader reader(path);
+  for (int i = 0; i < 2; ++i) {
+    const auto read = reader.Next();
+    ASSERT_TRUE(read.has_value());
+    EXPECT_EQ(read->text, "a");
+    EXPECT_EQ(read->samples, std::vector<std::int16_t>{7});
+    EXPECT_EQ(read->tones, "");
+  }
+  EXPECT_FALSE(reader.Next().has_value());
+}
+
+TEST(CorpusFile, RefusesTonesThatAreNotOneASyllable) {
+  const auto path = Scratch("tones.corpus");
+  CorpusWriter writer(path);
+  writer.Write({"text", "voice", {{'-', 0}}, {1}, "12", "12", {0}});
+  writer.Close();
+  EXPECT_THROW(CorpusReader(path).Next(), std::runtime_error);
 }
 
 TEST(CorpusFile, RefusesFieldsOfAbsurdLength) {

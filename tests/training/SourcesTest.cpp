@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "recognition/FrameScores.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
+#include "training/train/VectorSource.h"
 
 namespace veral3::training {
 namespace {
@@ -79,6 +81,66 @@ TEST(PhonemeSource, MovedBoundariesStayInsideTheirUtterance) {
     EXPECT_NEAR(input[624], 5.0f, 2.0f);
     EXPECT_GE(input[2 * 624], 40.0f);
   }
+}
+
+std::filesystem::path VectorPath(const char* name) {
+  return std::filesystem::path(::testing::TempDir()) / name;
+}
+
+void WriteVectors(const std::filesystem::path& path, std::initializer_list<int> classes) {
+  VectorWriter writer(path, 3, 5);
+  for (const int c : classes) {
+    writer.Write(std::vector<float>(3, static_cast<float>(c) + 0.5f), c);
+  }
+  writer.Close();
+}
+
+TEST(VectorSource, GivesTheRowsOfAllFiles) {
+  WriteVectors(VectorPath("veral3_a.vectors"), {4, 0});
+  WriteVectors(VectorPath("veral3_b.vectors"), {2});
+  const std::vector<VectorFile> files = {ReadVectorFile(VectorPath("veral3_a.vectors")),
+                                         ReadVectorFile(VectorPath("veral3_b.vectors"))};
+  VectorSource source(files);
+  EXPECT_EQ(source.NumExamples(), 3u);
+  EXPECT_EQ(source.NumInputs(), 3);
+  EXPECT_EQ(source.NumClasses(), 5);
+  std::vector<float> rows(6);
+  std::vector<std::int64_t> classes(2);
+  source.Fill(std::vector<std::uint32_t>{2, 0}, rows, classes);
+  EXPECT_THAT(rows, ::testing::ElementsAre(2.5f, 2.5f, 2.5f, 4.5f, 4.5f, 4.5f));
+  EXPECT_THAT(classes, ::testing::ElementsAre(2, 4));
+}
+
+TEST(VectorSource, RefusesFilesThatDiffer) {
+  const std::vector<VectorFile> files = {{3, 5, {}, {}}, {3, 2, {}, {}}};
+  EXPECT_THROW(VectorSource{files}, std::runtime_error);
+  EXPECT_THROW(VectorSource{std::span<const VectorFile>{}}, std::runtime_error);
+}
+
+TEST(VectorFile, RefusesWhatDoesNotFit) {
+  VectorWriter writer(VectorPath("veral3_c.vectors"), 3, 2);
+  EXPECT_THROW(writer.Write(std::vector<float>(2), 0), std::invalid_argument);
+  EXPECT_THROW(writer.Write(std::vector<float>(3), 2), std::invalid_argument);
+  EXPECT_THROW(writer.Write(std::vector<float>(3), -1), std::invalid_argument);
+  EXPECT_THROW(VectorWriter(VectorPath("veral3_d.vectors"), 0, 2), std::invalid_argument);
+}
+
+TEST(VectorFile, RefusesDamagedFiles) {
+  const auto path = VectorPath("veral3_e.vectors");
+  std::filesystem::remove(path);
+  EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
+  std::ofstream(path) << "V3VECT1\n";
+  EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
+  WriteVectors(path, {1, 2, 3});
+  EXPECT_EQ(ReadVectorFile(path).class_of.size(), 3u);
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
+  EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
+  WriteVectors(path, {1, 2, 3});
+  std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+  file.seekp(-1, std::ios::end);
+  file.put('\5');  // a class that there is not
+  file.close();
+  EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
 }
 
 }  // namespace

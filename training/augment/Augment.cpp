@@ -146,7 +146,8 @@ Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random&
   float peak = 1.0f;
   for (const float x : signal) peak = std::max(peak, std::abs(x));
   const double gain = 32000.0 * std::pow(10.0, -random.Uniform(0.0, 32.0) / 20.0) / double{peak};
-  Utterance result{clean.text, clean.voice, clean.labels, {}};
+  Utterance result{clean.text,  clean.voice,        clean.labels,   {},
+                   clean.tones, clean.spoken_tones, clean.syllables};
   result.samples.reserve(signal.size());
   for (const float x : signal) {
     result.samples.push_back(static_cast<std::int16_t>(std::lround(double{x} * gain)));

@@ -7,7 +7,8 @@
 namespace veral3::training {
 namespace {
 
-constexpr std::array<char, 8> kMagic = {'V', '3', 'C', 'O', 'R', 'P', '1', '\n'};
+constexpr std::array<char, 8> kMagic = {'V', '3', 'C', 'O', 'R', 'P', '2', '\n'};
+constexpr std::array<char, 8> kMagicWithoutTones = {'V', '3', 'C', 'O', 'R', 'P', '1', '\n'};
 constexpr std::uint32_t kLongest = 1u << 28;  // bytes in one field; a larger count is damage
 
 std::filesystem::path Unfinished(const std::filesystem::path& path) {
@@ -60,6 +61,10 @@ void CorpusWriter::Write(const Utterance& utterance) {
   WriteBytes(m_file, symbols.data(), symbols.size());
   WriteBytes(m_file, starts.data(), starts.size() * sizeof starts[0]);
   WriteBytes(m_file, utterance.samples.data(), utterance.samples.size() * sizeof(std::int16_t));
+  WriteBytes(m_file, utterance.tones.data(), utterance.tones.size());
+  WriteBytes(m_file, utterance.spoken_tones.data(), utterance.spoken_tones.size());
+  WriteBytes(m_file, utterance.syllables.data(),
+             utterance.syllables.size() * sizeof utterance.syllables[0]);
   if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
 }
 
@@ -72,7 +77,9 @@ void CorpusWriter::Close() {
 CorpusReader::CorpusReader(std::filesystem::path path)
     : m_path(std::move(path)), m_file(m_path, std::ios::binary) {
   std::array<char, 8> magic{};
-  if (!m_file.read(magic.data(), magic.size()) || magic != kMagic) {
+  m_file.read(magic.data(), magic.size());
+  m_has_tones = magic == kMagic;
+  if (!m_file || (!m_has_tones && magic != kMagicWithoutTones)) {
     throw std::runtime_error(m_path.string() + " is no corpus");
   }
 }
@@ -85,6 +92,13 @@ std::optional<Utterance> CorpusReader::Next() {
   if (!ReadBytes(m_file, utterance.text) || !ReadBytes(m_file, utterance.voice) ||
       !ReadBytes(m_file, symbols) || !ReadBytes(m_file, starts) ||
       !ReadBytes(m_file, utterance.samples) || symbols.size() != starts.size()) {
+    throw std::runtime_error(m_path.string() + " is damaged");
+  }
+  if (m_has_tones &&
+      (!ReadBytes(m_file, utterance.tones) || !ReadBytes(m_file, utterance.spoken_tones) ||
+       !ReadBytes(m_file, utterance.syllables) ||
+       utterance.tones.size() != utterance.syllables.size() ||
+       utterance.tones.size() != utterance.spoken_tones.size())) {
     throw std::runtime_error(m_path.string() + " is damaged");
   }
   for (std::size_t i = 0; i < symbols.size(); ++i) {

@@ -9,7 +9,7 @@
 
 // A corpus on disk: utterances one after the other, little-endian, in a file that only these
 // programs read. Written to a temporary name and renamed by Close, so that a file under its own
-// name is whole.
+// name is whole. Files of the first version, which had no tones, are read as well.
 //
 //   CorpusWriter writer("work/espeak.corpus");
 //   writer.Write(utterance);
@@ -40,6 +40,7 @@ class CorpusReader {
  private:
   std::filesystem::path m_path;
   std::ifstream m_file;
+  bool m_has_tones = false;
 };
 
 }  // namespace veral3::training

@@ -1,6 +1,7 @@
 #include "training/corpus/EnglishVoices.h"
 
 #include <string>
+#include <string_view>
 
 namespace veral3::training {
 

@@ -1,7 +1,10 @@
 #include "training/corpus/PhonemeBalance.h"
 
-#include <array>
 #include <limits>
+#include <stdexcept>
+
+#include "grading/PhonProbGrader.h"
+#include "recognition/CPhonemeSet.h"
 
 namespace veral3::training {
 namespace {
@@ -10,20 +13,16 @@ constexpr std::size_t kCodes = 128;
 
 }  // namespace
 
-std::span<const PhonemeFrequency> EnglishPhonemeFrequencies() {
-  // The normalisers of the phoneme scores, divided by the set's size where they are used.
-  static constexpr auto kTable = std::to_array<PhonemeFrequency>({
-      {'i', 1.441442837}, {'I', 3.3567579},   {'E', 1.740521152}, {'{', 1.054765259},
-      {'A', 1.666678817}, {'O', 0.501318646}, {'u', 0.836070563}, {'U', 1.019631144},
-      {'V', 0.611846122}, {'@', 2.665809441}, {'3', 0.760677202}, {'p', 0.71077462},
-      {'b', 0.624928691}, {'t', 2.678487394}, {'d', 1.295578937}, {'k', 1.19779685},
-      {'g', 0.463824273}, {'m', 0.97289805},  {'n', 2.256203649}, {'N', 0.404210918},
-      {'l', 1.474891055}, {'f', 0.721159752}, {'v', 0.525663014}, {'T', 0.322411144},
-      {'D', 0.645496647}, {'s', 1.765067828}, {'z', 1.02664448},  {'S', 0.254031119},
-      {'Z', 0.01422898},  {'r', 0.987666517}, {'c', 0.651026393}, {'h', 0.66909922},
-      {'C', 0.204937768}, {'J', 0.158744161}, {'j', 0.600314579}, {'w', 0.718394879},
-  });
-  return kTable;
+std::vector<PhonemeFrequency> PhonemeFrequencies(LanguageType language) {
+  const CPhonemeSet* set = PhonemeSetOf(language);
+  if (set == nullptr) throw std::runtime_error("no such language");
+  const std::span<const double> normalisers = PhonemeNormalisersOf(language);
+  std::vector<PhonemeFrequency> frequencies;
+  for (int i = 0; i < set->GetSize(); ++i) {
+    const char symbol = set->GetFullSet()[i];
+    if (symbol != '-') frequencies.push_back({symbol, normalisers[static_cast<std::size_t>(i)]});
+  }
+  return frequencies;
 }
 
 PhonemeBalance::PhonemeBalance(std::span<const PhonemeFrequency> wanted)

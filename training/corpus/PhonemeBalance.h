@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "common/LanguageType.h"
+
 namespace veral3::training {
 
 struct PhonemeFrequency {
@@ -12,8 +14,9 @@ struct PhonemeFrequency {
   double frequency;  // share of all phonemes, pauses left out; they need not add up to 1
 };
 
-// The English frequencies that phoneme scores are judged against.
-std::span<const PhonemeFrequency> EnglishPhonemeFrequencies();
+// The frequencies of a language that its phoneme scores are judged against: their normalisers,
+// which are proportional to them.
+std::vector<PhonemeFrequency> PhonemeFrequencies(LanguageType language);
 
 // Chooses among texts so that the corpus comes near the wanted phoneme frequencies. Sentence
 // templates alone would be full of "the".

@@ -22,6 +22,12 @@ struct Utterance {
   std::string voice;  // which synthesiser and voice
   std::vector<PhonemeLabel> labels;
   std::vector<std::int16_t> samples;
+  // One a syllable where the language has tones, else empty: the digits 1 to 5 that the dictionary
+  // marks the syllables with, those that were said, and where in the phonemes without pauses each
+  // syllable begins.
+  std::string tones = {};
+  std::string spoken_tones = {};
+  std::vector<std::int32_t> syllables = {};
 };
 
 // The phonemes alone, pauses left out.

@@ -70,6 +70,13 @@ double Median(std::vector<double> values) {
   return *middle;
 }
 
+double Percentile(std::vector<double> values, double percent) {
+  if (values.empty()) return 0.0;
+  std::ranges::sort(values);
+  const double rank = std::ceil(percent / 100.0 * static_cast<double>(values.size())) - 1.0;
+  return values[static_cast<std::size_t>(std::max(rank, 0.0))];
+}
+
 double AreaUnderCurve(std::span<const double> higher, std::span<const double> lower) {
   if (higher.empty() || lower.empty()) return 0.0;
   std::vector<double> sorted(lower.begin(), lower.end());

@@ -32,6 +32,10 @@ class ClassCounts {
 
 double Median(std::vector<double> values);  // 0 for none
 
+// The value below which `percent` (0 to 100) of the values lie: the nearest one, rounded up. 0 for
+// none.
+double Percentile(std::vector<double> values, double percent);
+
 // Probability that a value of `higher` exceeds one of `lower`, ties counted half: the area under
 // the curve of a test that tells them apart. 0 when either is empty.
 double AreaUnderCurve(std::span<const double> higher, std::span<const double> lower);

@@ -252,7 +252,8 @@ class Evaluation {
     const char symbol = result.phonemes[phoneme];
     double x =
         Distribution(result, phoneme)[static_cast<std::size_t>(m_set.GetPhonemeIndex(symbol))];
-    for (const auto& [other, normaliser] : EnglishPhonemeFrequencies()) {
+    for (const auto& [other, normaliser] :
+         PhonemeFrequencies(static_cast<LanguageType>(m_options.language))) {
       if (other == symbol && normaliser < 1.0) x /= normaliser * normaliser;
     }
     return 100.0 + 25.0 * std::log10(std::max(x, 1e-12));

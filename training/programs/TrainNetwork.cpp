@@ -1,10 +1,11 @@
-// Trains a frame or phoneme classifier and writes it as a checkpoint, and as a model file for the
-// engine.
+// Trains a classifier of frames, phonemes or plain vectors and writes it as a checkpoint, and as a
+// model file for the engine.
 //
 //   train-network --kind frame --features work/a.features --epochs 6 --out work/frame.net
 //       --model frame.model
 //   train-network --kind frame --features work/all.features --start work/frame.net --rate 1.2e-3
 //   ... train-network --kind phoneme --hidden 384 128 --batch 512 --dropout 0.2 --epochs 9 ...
+//   ... train-network --kind vector --features work/tone.vectors --hidden 64 32 ...
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -17,10 +18,12 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
-#include "training/measure/Scores.h"
+#include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
+#include "training/train/Scaling.h"
 #include "training/train/Trainer.h"
+#include "training/train/VectorSource.h"
 
 namespace veral3::training {
 namespace {
@@ -39,75 +42,81 @@ struct Options {
   TrainOptions train;
 };
 
-std::vector<FeatureFile> Open(const std::vector<std::string>& folders) {
-  std::vector<FeatureFile> files;
-  for (const std::string& folder : folders) files.emplace_back(folder);
-  return files;
+// The examples of some files, with what holds them in memory.
+class Examples {
+ public:
+  Examples(const std::string& kind, const CPhonemeSet& set, const std::vector<std::string>& paths,
+           int jitter) {
+    if (kind == "vector") {
+      for (const std::string& path : paths) m_vectors.push_back(ReadVectorFile(path));
+      m_source = std::make_unique<VectorSource>(m_vectors);
+      return;
+    }
+    for (const std::string& path : paths) m_features.emplace_back(path);
+    if (kind == "frame") {
+      m_source = std::make_unique<FrameSource>(set, m_features, jitter);
+    } else if (kind == "phoneme") {
+      m_source = std::make_unique<PhonemeSource>(set, m_features, jitter);
+    } else {
+      throw std::runtime_error("no such kind of network: " + kind);
+    }
+  }
+
+  ExampleSource& Source() { return *m_source; }
+
+ private:
+  std::vector<FeatureFile> m_features;
+  std::vector<VectorFile> m_vectors;
+  std::unique_ptr<ExampleSource> m_source;
+};
+
+// What is counted together when a network is measured.
+struct Grouping {
+  std::size_t columns_each = 1;  // of a class: three states of a phoneme
+  int pause = -1;                // class that is also left out; -1 for none
+};
+
+Grouping GroupingOf(const std::string& kind, const CPhonemeSet& set) {
+  if (kind == "vector") return {};
+  return {kind == "frame" ? 3u : 1u, set.GetPhonemeIndex('-')};
 }
 
-std::unique_ptr<ExampleSource> SourceOf(const std::string& kind, const CPhonemeSet& set,
-                                        const std::vector<FeatureFile>& files, int jitter) {
-  if (kind == "frame") return std::make_unique<FrameSource>(set, files, jitter);
-  if (kind == "phoneme") return std::make_unique<PhonemeSource>(set, files, jitter);
-  throw std::runtime_error("no such kind of network: " + kind);
-}
-
-// Prints how many examples have their phoneme most probable; a frame's phoneme by the sum of its
-// three states. Returns that share.
-double Measure(const Network& network, const CPhonemeSet& set, ExampleSource& source) {
-  Random random(1);
+// A checkpoint, or a model of the engine's, whose scaling is folded. One of other classes, as of
+// another language, lends its hidden layers.
+Network StartFrom(const std::string& path, ExampleSource& source, std::uint64_t seed) {
+  if (!path.ends_with(".model")) return LoadCheckpoint(path);
+  Network folded = ImportModel(path);
+  if (folded.NumInputs() != source.NumInputs()) {
+    throw std::runtime_error(path + " has other inputs");
+  }
+  Random random(MixSeed(seed, 78));
+  DenseLayer& last = folded.layers.back();
+  if (last.outputs != source.NumClasses()) {
+    last = RandomLayer(last.inputs, source.NumClasses(), random);
+  }
   source.BeginEpoch(random);
-  constexpr std::uint32_t kChunk = 8192;
-  const auto columns = static_cast<std::size_t>(source.NumClasses());
-  const auto states = columns / static_cast<std::size_t>(set.GetSize());
-  const int pause = set.GetPhonemeIndex('-');
-  ClassCounts all(set.GetSize());
-  ClassCounts speech(set.GetSize());
-  std::vector<std::uint32_t> examples;
-  std::vector<double> sums(static_cast<std::size_t>(set.GetSize()));
-  for (std::uint32_t first = 0; first < source.NumExamples(); first += kChunk) {
-    examples.clear();
-    for (std::uint32_t i = first; i < std::min<std::size_t>(first + kChunk, source.NumExamples());
-         ++i) {
-      examples.push_back(i);
-    }
-    std::vector<float> inputs(examples.size() * static_cast<std::size_t>(source.NumInputs()));
-    std::vector<std::int64_t> classes(examples.size());
-    source.Fill(examples, inputs, classes);
-    const std::vector<float> scores = Classify(network, inputs);
-    for (std::size_t i = 0; i < examples.size(); ++i) {
-      std::ranges::fill(sums, 0.0);
-      for (std::size_t c = 0; c < columns; ++c) {
-        sums[c / states] += static_cast<double>(scores[i * columns + c]);
-      }
-      const int truth = static_cast<int>(classes[i]) / static_cast<int>(states);
-      all.Add(truth, sums);
-      if (truth != pause) speech.Add(truth, sums);
-    }
-  }
-  for (const auto& [what, counts] :
-       {std::pair{"all", &all}, std::pair{"without pauses", &speech}}) {
-    std::printf("test, %s: %zu examples, top-1 %.4f, top-3 %.4f, macro F1 %.4f\n", what,
-                counts->Total(), counts->TopOne(), counts->TopThree(), counts->MacroF1());
-  }
-  return all.TopOne();
+  return Unfold(folded, MeasureScaling(source, random));
 }
 
 void Run(const Options& options) {
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
   if (set == nullptr) throw std::runtime_error("no such language");
-  const std::vector<FeatureFile> files = Open(options.features);
-  const auto source = SourceOf(options.kind, *set, files, options.jitter);
-  std::printf("%zu examples\n", source->NumExamples());
+  Examples examples(options.kind, *set, options.features, options.jitter);
+  std::printf("%zu examples\n", examples.Source().NumExamples());
   std::optional<Network> start;
-  if (!options.start.empty()) start = LoadCheckpoint(options.start);
-  const Network network = Train(options.train, *source, start);
+  if (!options.start.empty()) {
+    start = StartFrom(options.start, examples.Source(), options.train.seed);
+  }
+  const Network network = Train(options.train, examples.Source(), start);
   SaveCheckpoint(network, options.out);
   if (!options.model.empty()) ExportModel(network, options.version, options.model);
   if (options.test_features.empty()) return;
-  const std::vector<FeatureFile> test_files = Open(options.test_features);
-  const double accuracy = Measure(network, *set, *SourceOf(options.kind, *set, test_files, 0));
-  if (accuracy < options.at_least) throw std::runtime_error("the accuracy is too low");
+  Examples test(options.kind, *set, options.test_features, 0);
+  const Grouping grouping = GroupingOf(options.kind, *set);
+  const CountedClasses counts =
+      CountClasses(network, test.Source(), grouping.columns_each, grouping.pause);
+  PrintCounts("test", counts);
+  if (counts.all.TopOne() < options.at_least) throw std::runtime_error("the accuracy is too low");
 }
 
 }  // namespace
@@ -115,12 +124,14 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   veral3::training::Options options;
-  CLI::App app("Trains a frame or phoneme classifier.");
-  app.add_option("--kind", options.kind, "frame or phoneme")->required();
-  app.add_option("--features", options.features, "feature folders to learn from")->required();
-  app.add_option("--test", options.test_features, "feature folders to measure on");
+  CLI::App app("Trains a classifier of frames, phonemes or vectors.");
+  app.add_option("--kind", options.kind, "frame, phoneme or vector")->required();
+  app.add_option("--features", options.features,
+                 "feature folders, or files of vectors, to learn from")
+      ->required();
+  app.add_option("--test", options.test_features, "the same to measure on");
   app.add_option("--at-least", options.at_least, "fail below this accuracy on the test");
-  app.add_option("--start", options.start, "checkpoint to go on from");
+  app.add_option("--start", options.start, "checkpoint, or model file (.model), to go on from");
   app.add_option("--out", options.out, "checkpoint to write")->required();
   app.add_option("--model", options.model, "model file to write for the engine");
   app.add_option("--version", options.version, "the model file's version");

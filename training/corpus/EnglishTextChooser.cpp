@@ -1,0 +1,50 @@
+#include "training/corpus/EnglishTextChooser.h"
+
+#include <array>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace veral3::training {
+namespace {
+
+// The phonemes of a text as the voice would say them; nothing for a text with a sound that the
+// language's set lacks (nasal vowels of French words).
+std::optional<std::string> ExpectedPhonemes(EspeakSpeech& espeak, const EventTable& table,
+                                            const std::string& text) {
+  std::string phonemes;
+  for (const std::string& name : espeak.PhonemeNames(text)) {
+    if (!table.Knows(name)) return std::nullopt;
+    phonemes += table.SymbolsOf(name);
+  }
+  return phonemes;
+}
+
+}  // namespace
+
+EnglishTextChooser::EnglishTextChooser(const SpeakerOptions& options)
+    : m_texts(options.words.empty() ? std::vector<std::string>{}
+                                    : ReadDictionaryWords(options.words)),
+      m_balance(PhonemeFrequencies(kLanguageEnglish)),
+      m_held_out(options.held_out) {}
+
+std::string EnglishTextChooser::Choose(EspeakSpeech& espeak, const EventTable& table,
+                                       Random& random) {
+  if (m_held_out) return m_texts.DrawHeldOut(random);
+  constexpr std::size_t kCandidates = 5;
+  std::array<std::string, kCandidates> candidates;
+  std::array<std::string, kCandidates> phonemes;
+  for (std::size_t i = 0; i < kCandidates; ++i) {
+    std::optional<std::string> expected;
+    while (!expected) {
+      candidates[i] = m_texts.Draw(random);
+      expected = ExpectedPhonemes(espeak, table, candidates[i]);
+    }
+    phonemes[i] = *std::move(expected);
+  }
+  const std::size_t chosen = m_balance.Choose(phonemes);
+  m_balance.Count(phonemes[chosen]);
+  return candidates[chosen];
+}
+
+}  // namespace veral3::training
