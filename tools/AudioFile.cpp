@@ -123,21 +123,27 @@ std::string TooLong() {
 
 }  // namespace
 
-Result<Recording> ReadAudioFile(const std::filesystem::path& path) {
-  using Failure = Result<Recording>;
+std::string FileProblem(const std::filesystem::path& path) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(path, error);
   if (!std::filesystem::exists(status)) {
-    return Failure::Failure(error && error != std::errc::no_such_file_or_directory
-                                ? "cannot be opened: " + error.message()
-                                : "does not exist");
+    return error && error != std::errc::no_such_file_or_directory
+               ? "cannot be opened: " + error.message()
+               : "does not exist";
   }
-  if (std::filesystem::is_directory(status)) return Failure::Failure("is a folder");
-  if (!std::filesystem::is_regular_file(status)) return Failure::Failure("is not a regular file");
+  if (std::filesystem::is_directory(status)) return "is a folder";
+  if (!std::filesystem::is_regular_file(status)) return "is not a regular file";
   if (std::filesystem::file_size(path, error) == 0 && !error) {
-    return Failure::Failure("is empty (0 bytes)");
+    return "is empty (0 bytes)";
   }
+  return "";
+}
 
+Result<Recording> ReadAudioFile(const std::filesystem::path& path) {
+  using Failure = Result<Recording>;
+  if (std::string problem = FileProblem(path); !problem.empty()) {
+    return Failure::Failure(std::move(problem));
+  }
   SF_INFO info{};
   const SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
   if (!file) {

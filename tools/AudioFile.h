@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include "tools/Result.h"
@@ -20,6 +21,10 @@ struct Recording {
   std::int64_t clamped = 0;  // samples that 16 bits could not hold and that were cut to its limits
   bool silent = false;       // every sample is 0
 };
+
+// Why a path is no file with anything in it, as the rest of a sentence that begins with the path;
+// "" when it is one.
+std::string FileProblem(const std::filesystem::path& path);
 
 // Reads any file that libsndfile reads. Channels are mixed by their mean; another rate than 22050
 // Hz is resampled by soxr's high-quality recipe, whose delay is taken out; samples are rounded to

@@ -9,8 +9,8 @@
 #include "tools/AlignCommand.h"
 #include "tools/AnalyzeCommand.h"
 #include "tools/AnnotateCommand.h"
-#include "tools/DenoiseCommand.h"
 #include "tools/CheckTextCommand.h"
+#include "tools/DenoiseCommand.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include "recognition/DLFrameClassifier.h"
 #include "support/MessageCapture.h"
 #include "training/common/Random.h"
+#include "training/train/Scaling.h"
 
 namespace veral3::training {
 namespace {
@@ -103,6 +104,46 @@ TEST(Checkpoint, RefusesWhatIsDamaged) {
   std::filesystem::resize_file(path, 4);
   EXPECT_THROW(LoadCheckpoint(path), std::runtime_error);
   EXPECT_THROW(LoadCheckpoint(Scratch("missing.net")), std::runtime_error);
+}
+
+TEST(Import, GivesBackWhatWasExported) {
+  const Network network = SmallNetwork();
+  const std::string path = Scratch("imported.model");
+  ExportModel(network, 3, path);
+  const Network imported = ImportModel(path);
+  const Network folded = FoldScaling(network);
+  ASSERT_EQ(imported.layers.size(), folded.layers.size());
+  for (std::size_t i = 0; i < folded.layers.size(); ++i) {
+    EXPECT_EQ(imported.layers[i].weights, folded.layers[i].weights);
+    EXPECT_EQ(imported.layers[i].bias, folded.layers[i].bias);
+  }
+}
+
+TEST(Import, DamagedFilesAreRefused) {
+  const std::string path = Scratch("damaged.model");
+  ExportModel(SmallNetwork(), 3, path);
+  const auto size = std::filesystem::file_size(path);
+  for (std::uintmax_t cut = 0; cut < size; cut += 7) {
+    std::filesystem::resize_file(path, cut);
+    EXPECT_THROW(ImportModel(path), std::runtime_error) << cut;
+    ExportModel(SmallNetwork(), 3, path);
+  }
+  EXPECT_THROW(ImportModel("/nonexistent"), std::runtime_error);
+}
+
+TEST(Unfold, IsTheSameFunctionWithAnotherScaling) {
+  const Network network = SmallNetwork();
+  const Scaling scaling = {{1.0f, -2.0f, 0.5f, 0.0f, 3.0f}, {2.0f, 0.25f, 1.0f, 4.0f, 0.5f}};
+  const Network unfolded = Unfold(network, scaling);
+  EXPECT_EQ(unfolded.input_mean, scaling.mean);
+  Random random(9);
+  for (int trial = 0; trial < 20; ++trial) {
+    std::vector<double> input;
+    for (int i = 0; i < 5; ++i) input.push_back(3 * random.Normal());
+    const auto expected = Evaluate(network, input);
+    const auto actual = Evaluate(unfolded, input);
+    for (std::size_t k = 0; k < expected.size(); ++k) EXPECT_NEAR(actual[k], expected[k], 1e-5);
+  }
 }
 
 }  // namespace

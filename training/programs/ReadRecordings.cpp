@@ -1,37 +1,37 @@
-// Makes a corpus of your own recordings, labelled by forced alignment with the model at hand. The
-// folder holds pairs NAME.wav and NAME.txt: any sampling rate, mono, and the text that is read.
+// Makes a corpus of your own recordings, labelled by forced alignment with the model at hand:
 //
-//   read-recordings --folder recordings --dictionary resources/KEN-UTF8Order.txt
-//       --model resources/EnglishFrame.model --out work/own.corpus
+//   read-recordings --lang en --folder recordings --out work/own.corpus --held-out work/test.corpus
 //
-// Recordings that do not align to their text, or hold words that the dictionary lacks, are named
-// and left out.
-
-#include <sndfile.h>
+// The folder holds pairs NAME.wav and NAME.txt, or is a Kaldi data folder
+// (training/corpus/RecordingFolder.h). Texts are prepared as the veral3 command does it. What does
+// not align to its text, or holds words that the dictionary lacks, is named and left out.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <map>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "common/CString.h"
 #include "common/Messages.h"
+#include "recognition/Dictionaries.h"
 #include "recognition/Models.h"
-#include "recognition/VeralDictionary.h"
 #include "recognition/ViterbiAligner.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/HighPassFilter.h"
-#include "training/augment/Augment.h"
+#include "tools/AudioFile.h"
+#include "tools/Languages.h"
+#include "tools/Lexicon.h"
+#include "tools/Resources.h"
+#include "tools/TextPreparation.h"
 #include "training/corpus/CorpusFile.h"
+#include "training/corpus/RecordingFolder.h"
 #include "training/measure/ForcedAlignment.h"
 
 namespace veral3::training {
@@ -39,100 +39,164 @@ namespace {
 
 struct Options {
   std::string folder;
-  std::string dictionary;
+  std::string resources = "resources";
   std::string model;
   std::string out;
-  int language = kLanguageEnglish;
+  std::string held_out;
+  std::string language = "en";
+  double held_out_share = 0.1;
 };
 
-std::vector<std::int16_t> ReadAudio(const std::filesystem::path& path) {
-  SF_INFO info{};
-  SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-  if (file == nullptr) throw std::runtime_error("cannot read " + path.string());
-  std::vector<float> own(static_cast<std::size_t>(std::max<sf_count_t>(info.frames, 0)));
-  const bool mono = info.channels == 1;
-  const bool whole =
-      mono && sf_read_float(file, own.data(), info.frames) == static_cast<sf_count_t>(own.size());
-  sf_close(file);
-  if (!mono) throw std::runtime_error(path.string() + " is not mono");
-  if (!whole) throw std::runtime_error("cannot read " + path.string());
-  if (info.samplerate != kSampleRate) own = Resample(own, double{kSampleRate} / info.samplerate);
-  std::vector<std::int16_t> samples;
-  for (const float x : own) {
-    samples.push_back(
-        static_cast<std::int16_t>(std::lround(std::clamp(x * 32768.0f, -32768.0f, 32767.0f))));
-  }
-  return samples;
-}
+constexpr std::size_t kShortest = 551;  // samples that make a frame
 
-// The recording with its phoneme times; nothing, and a line that says why, where it can't be used.
-std::optional<Utterance> Label(const std::filesystem::path& wav, const CPhonemeSet& set,
-                               const VeralDictionary& dictionary) {
-  std::ifstream text_file(std::filesystem::path(wav).replace_extension(".txt"));
-  const std::string text(std::istreambuf_iterator<char>(text_file), {});
-  const auto refuse = [&](const char* why) {
-    std::printf("left out %s: %s\n", wav.c_str(), why);
-    return std::nullopt;
-  };
-  if (!text_file && text.empty()) return refuse("it has no text");
-  bool missing = false;
-  SetMessageHandler([&](MessageStream, std::string_view) { missing = true; });
-  WordSequence words;
-  const int looked_up = dictionary.LookupSentence(CString(text), words);
-  SetMessageHandler([](MessageStream, std::string_view) {});
-  if (looked_up < 0 || missing || words.Count() == 0) {
-    return refuse("the dictionary lacks words of its text");
+class Labeller {
+ public:
+  Labeller(LanguageType language, const CPhonemeSet& set)
+      : m_language(language), m_set(set), m_lexicon(tools::LexiconOf(language)) {}
+
+  // The recording with its phoneme times; `reason` says why there is none.
+  std::optional<Utterance> Label(const FolderEntry& entry, std::string& reason) {
+    const std::string text = tools::PrepareSentence(entry.text, m_language, m_lexicon.cost);
+    const auto check = tools::CheckSentence(text, m_language, m_lexicon.has_word);
+    if (!check.missing_words.empty()) {
+      reason = "the dictionary lacks \"" + check.missing_words.front() + "\"";
+      return std::nullopt;
+    }
+    WordSequence words;
+    if (DictionaryOf(m_language)->LookupSentence(CString(text), words) < 0 || words.Count() == 0) {
+      reason = "its text has no words that can be aligned";
+      return std::nullopt;
+    }
+    Utterance utterance;
+    utterance.text = text;
+    utterance.voice = "recording:" + (entry.speaker.empty() ? entry.id : entry.speaker);
+    utterance.samples = Samples(entry, reason);
+    if (utterance.samples.empty()) return std::nullopt;
+    ViterbiAligner aligner;
+    aligner.AddSentence(std::move(words));
+    std::vector<std::int16_t> samples = utterance.samples;
+    HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
+    AlignmentResult result;
+    if (aligner.Align(&m_set, static_cast<std::uint32_t>(samples.size()), samples.data(), result) <
+        0) {
+      reason = "it does not align to its text";
+      return std::nullopt;
+    }
+    utterance.labels = LabelsOf(result);
+    return utterance;
   }
-  Utterance utterance{text, "recording:" + wav.filename().string(), {}, ReadAudio(wav)};
-  ViterbiAligner aligner;
-  aligner.AddSentence(std::move(words));
-  std::vector<std::int16_t> samples = utterance.samples;
-  HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
-  AlignmentResult result;
-  if (aligner.Align(&set, static_cast<std::uint32_t>(samples.size()), samples.data(), result) < 0) {
-    return refuse("it does not align to its text");
+
+ private:
+  // Empty, and the reason, where there are none.
+  std::vector<std::int16_t> Samples(const FolderEntry& entry, std::string& reason) {
+    if (m_audio_path != entry.audio) {
+      auto recording = tools::ReadAudioFile(entry.audio);
+      m_audio_path = entry.audio;
+      m_audio_error = recording ? "" : entry.audio.string() + " " + recording.Error();
+      m_audio = recording ? std::move(recording->samples) : std::vector<std::int16_t>{};
+    }
+    reason = m_audio_error;
+    if (m_audio.empty() || (entry.begin == 0.0 && !entry.end)) return m_audio;
+    const auto at = [&](double seconds) {
+      const double sample = std::round(seconds * kSampleRate);
+      return static_cast<std::size_t>(std::clamp(sample, 0.0, static_cast<double>(m_audio.size())));
+    };
+    const std::size_t begin = at(entry.begin);
+    const std::size_t end = entry.end ? at(*entry.end) : m_audio.size();
+    if (end < begin + kShortest) {
+      reason = "its segment is too short or outside the recording";
+      return {};
+    }
+    return {m_audio.begin() + static_cast<std::ptrdiff_t>(begin),
+            m_audio.begin() + static_cast<std::ptrdiff_t>(end)};
   }
-  utterance.labels = LabelsOf(result);
-  return utterance;
+
+  LanguageType m_language;
+  const CPhonemeSet& m_set;
+  tools::Lexicon m_lexicon;
+  std::filesystem::path m_audio_path;  // the recording read last: segments follow one another
+  std::vector<std::int16_t> m_audio;
+  std::string m_audio_error;
+};
+
+// Which entries are kept for measuring: whole speakers where there are several, else recordings,
+// evenly spread.
+std::vector<bool> HeldOut(const std::vector<FolderEntry>& entries, double share) {
+  std::set<std::string> speakers;
+  for (const FolderEntry& entry : entries) speakers.insert(entry.speaker);
+  const bool by_speaker = speakers.size() > 2;
+  std::map<std::string, std::size_t> number;  // of a speaker
+  for (const std::string& speaker : speakers) number.emplace(speaker, number.size());
+  std::vector<bool> held_out;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const auto unit = static_cast<double>(by_speaker ? number[entries[i].speaker] : i);
+    // The last of every 1 / share units.
+    held_out.push_back(std::floor((unit + 1.0) * share) > std::floor(unit * share));
+  }
+  return held_out;
 }
 
 void Run(const Options& options) {
-  const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
-  if (set == nullptr) throw std::runtime_error("no such language");
-  const VeralDictionary dictionary(options.dictionary.c_str());
-  const int type = kFrameModelEnglish + options.language - kLanguageEnglish;
+  const LanguageType language = tools::LanguageOf(options.language);
+  const CPhonemeSet* set = PhonemeSetOf(language);
+  if (const auto loaded = tools::LoadDictionary(options.resources, language); !loaded) {
+    throw std::runtime_error(loaded.Error());
+  }
+  const int type =
+      static_cast<int>(kFrameModelEnglish) + static_cast<int>(language) - kLanguageEnglish;
   if (LoadModelFile(options.model.c_str(), static_cast<ModelFileType>(type)) < 0) {
     throw std::runtime_error("cannot load " + options.model);
   }
-  std::vector<std::filesystem::path> recordings;
-  for (const auto& entry : std::filesystem::directory_iterator(options.folder)) {
-    if (entry.path().extension() == ".wav") recordings.push_back(entry.path());
-  }
-  std::ranges::sort(recordings);
+  RecordingFolder folder = ReadRecordingFolder(options.folder);
+  for (const std::string& line : folder.refused) std::printf("left out %s\n", line.c_str());
+  const std::vector<bool> held_out =
+      HeldOut(folder.entries, options.held_out.empty() ? 0.0 : options.held_out_share);
+  Labeller labeller(language, *set);
   CorpusWriter writer(options.out);
+  std::optional<CorpusWriter> held_out_writer;
+  if (!options.held_out.empty()) held_out_writer.emplace(options.held_out);
   std::size_t kept = 0;
-  for (const auto& wav : recordings) {
-    if (const auto utterance = Label(wav, *set, dictionary)) {
+  std::size_t kept_apart = 0;
+  for (std::size_t i = 0; i < folder.entries.size(); ++i) {
+    const FolderEntry& entry = folder.entries[i];
+    std::string reason;
+    const auto utterance = labeller.Label(entry, reason);
+    if (!utterance) {
+      std::printf("left out %s: %s\n", entry.id.c_str(), reason.c_str());
+    } else if (held_out[i]) {
+      held_out_writer->Write(*utterance);
+      ++kept_apart;
+    } else {
       writer.Write(*utterance);
       ++kept;
     }
   }
   if (kept == 0) throw std::runtime_error("no recording of " + options.folder + " can be used");
   writer.Close();
-  std::printf("%s: %zu of %zu recordings\n", options.out.c_str(), kept, recordings.size());
+  if (held_out_writer) held_out_writer->Close();
+  std::printf("%s: %zu of %zu recordings", options.out.c_str(), kept,
+              folder.entries.size() + folder.refused.size());
+  if (held_out_writer) std::printf(", %zu more in %s", kept_apart, options.held_out.c_str());
+  std::printf("\n");
 }
 
 }  // namespace
 }  // namespace veral3::training
 
 int main(int argc, char** argv) {
+  veral3::SetMessageHandler([](veral3::MessageStream, std::string_view) {});
   veral3::training::Options options;
   CLI::App app("Makes a corpus of recordings and their texts.");
-  app.add_option("--folder", options.folder, "pairs of NAME.wav and NAME.txt")->required();
-  app.add_option("--dictionary", options.dictionary, "dictionary of the language")->required();
+  app.add_option("--folder", options.folder, "pairs of NAME.wav and NAME.txt, or Kaldi's")
+      ->required();
+  app.add_option("--lang", options.language, "en, zh or ja")
+      ->check(CLI::IsMember({"en", "zh", "ja"}));
+  app.add_option("--resources", options.resources, "folder of the dictionaries");
   app.add_option("--model", options.model, "frame model to align with")->required();
   app.add_option("--out", options.out, "corpus to write")->required();
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  app.add_option("--held-out", options.held_out, "corpus for what is kept apart for measuring");
+  app.add_option("--held-out-share", options.held_out_share, "how much of it (default 0.1)")
+      ->check(CLI::Range(0.0, 0.9));
   CLI11_PARSE(app, argc, argv);
   try {
     veral3::training::Run(options);

@@ -18,9 +18,10 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
-#include "training/measure/Scores.h"
+#include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
+#include "training/train/Scaling.h"
 #include "training/train/Trainer.h"
 #include "training/train/VectorSource.h"
 
@@ -80,46 +81,21 @@ Grouping GroupingOf(const std::string& kind, const CPhonemeSet& set) {
   return {kind == "frame" ? 3u : 1u, set.GetPhonemeIndex('-')};
 }
 
-// Prints how many examples have their class most probable; a frame's phoneme by the sum of its
-// three states. Returns that share.
-double Measure(const Network& network, const Grouping& grouping, ExampleSource& source) {
-  Random random(1);
+// A checkpoint, or a model of the engine's, whose scaling is folded. One of other classes, as of
+// another language, lends its hidden layers.
+Network StartFrom(const std::string& path, ExampleSource& source, std::uint64_t seed) {
+  if (!path.ends_with(".model")) return LoadCheckpoint(path);
+  Network folded = ImportModel(path);
+  if (folded.NumInputs() != source.NumInputs()) {
+    throw std::runtime_error(path + " has other inputs");
+  }
+  Random random(MixSeed(seed, 78));
+  DenseLayer& last = folded.layers.back();
+  if (last.outputs != source.NumClasses()) {
+    last = RandomLayer(last.inputs, source.NumClasses(), random);
+  }
   source.BeginEpoch(random);
-  constexpr std::uint32_t kChunk = 8192;
-  const auto columns = static_cast<std::size_t>(source.NumClasses());
-  const std::size_t states = grouping.columns_each;
-  const auto num_classes = static_cast<int>(columns / states);
-  ClassCounts all(num_classes);
-  ClassCounts speech(num_classes);
-  std::vector<std::uint32_t> examples;
-  std::vector<double> sums(columns / states);
-  for (std::uint32_t first = 0; first < source.NumExamples(); first += kChunk) {
-    examples.clear();
-    for (std::uint32_t i = first; i < std::min<std::size_t>(first + kChunk, source.NumExamples());
-         ++i) {
-      examples.push_back(i);
-    }
-    std::vector<float> inputs(examples.size() * static_cast<std::size_t>(source.NumInputs()));
-    std::vector<std::int64_t> classes(examples.size());
-    source.Fill(examples, inputs, classes);
-    const std::vector<float> scores = Classify(network, inputs);
-    for (std::size_t i = 0; i < examples.size(); ++i) {
-      std::ranges::fill(sums, 0.0);
-      for (std::size_t c = 0; c < columns; ++c) {
-        sums[c / states] += static_cast<double>(scores[i * columns + c]);
-      }
-      const int truth = static_cast<int>(classes[i]) / static_cast<int>(states);
-      all.Add(truth, sums);
-      if (truth != grouping.pause) speech.Add(truth, sums);
-    }
-  }
-  for (const auto& [what, counts] :
-       {std::pair{"all", &all}, std::pair{"without pauses", &speech}}) {
-    if (counts == &speech && grouping.pause < 0) continue;
-    std::printf("test, %s: %zu examples, top-1 %.4f, top-3 %.4f, macro F1 %.4f\n", what,
-                counts->Total(), counts->TopOne(), counts->TopThree(), counts->MacroF1());
-  }
-  return all.TopOne();
+  return Unfold(folded, MeasureScaling(source, random));
 }
 
 void Run(const Options& options) {
@@ -128,14 +104,19 @@ void Run(const Options& options) {
   Examples examples(options.kind, *set, options.features, options.jitter);
   std::printf("%zu examples\n", examples.Source().NumExamples());
   std::optional<Network> start;
-  if (!options.start.empty()) start = LoadCheckpoint(options.start);
+  if (!options.start.empty()) {
+    start = StartFrom(options.start, examples.Source(), options.train.seed);
+  }
   const Network network = Train(options.train, examples.Source(), start);
   SaveCheckpoint(network, options.out);
   if (!options.model.empty()) ExportModel(network, options.version, options.model);
   if (options.test_features.empty()) return;
   Examples test(options.kind, *set, options.test_features, 0);
-  const double accuracy = Measure(network, GroupingOf(options.kind, *set), test.Source());
-  if (accuracy < options.at_least) throw std::runtime_error("the accuracy is too low");
+  const Grouping grouping = GroupingOf(options.kind, *set);
+  const CountedClasses counts =
+      CountClasses(network, test.Source(), grouping.columns_each, grouping.pause);
+  PrintCounts("test", counts);
+  if (counts.all.TopOne() < options.at_least) throw std::runtime_error("the accuracy is too low");
 }
 
 }  // namespace
@@ -150,7 +131,7 @@ int main(int argc, char** argv) {
       ->required();
   app.add_option("--test", options.test_features, "the same to measure on");
   app.add_option("--at-least", options.at_least, "fail below this accuracy on the test");
-  app.add_option("--start", options.start, "checkpoint to go on from");
+  app.add_option("--start", options.start, "checkpoint, or model file (.model), to go on from");
   app.add_option("--out", options.out, "checkpoint to write")->required();
   app.add_option("--model", options.model, "model file to write for the engine");
   app.add_option("--version", options.version, "the model file's version");

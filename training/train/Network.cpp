@@ -1,6 +1,7 @@
 #include "training/train/Network.h"
 
 #include <array>
+#include <cmath>
 #include <fstream>
 #include <stdexcept>
 
@@ -36,6 +37,16 @@ void Check(const std::ios& file, const std::filesystem::path& path, const char* 
 }
 
 }  // namespace
+
+DenseLayer RandomLayer(int inputs, int outputs, Random& random) {
+  DenseLayer layer{inputs, outputs, {}, {}};
+  const double deviation = std::sqrt(2.0 / inputs);
+  for (int k = 0; k < inputs * outputs; ++k) {
+    layer.weights.push_back(static_cast<float>(random.Normal() * deviation));
+  }
+  layer.bias.assign(static_cast<std::size_t>(outputs), 0.0f);
+  return layer;
+}
 
 Network FoldScaling(const Network& network) {
   Network folded = network;
@@ -80,6 +91,45 @@ void ExportModel(const Network& network, std::int32_t version, const std::filesy
   }
   file.close();
   Check(file, path, "cannot write");
+}
+
+Network ImportModel(const std::filesystem::path& path) {
+  constexpr std::int32_t kLargest = 1 << 14;  // of a layer; more is damage
+  std::ifstream file(path, std::ios::binary);
+  const auto expect = [&](bool good) {
+    if (!file || !good) {
+      throw std::runtime_error(path.string() + " holds no network that can be trained further");
+    }
+  };
+  expect(true);
+  ReadInt(file);  // version
+  const std::int32_t count = ReadInt(file);
+  expect(count >= 1 && count <= 16);
+  Network network;
+  for (std::int32_t number = 0; number < count; ++number) {
+    DenseLayer layer;
+    ReadInt(file);  // number
+    expect(file.get() == 'D');
+    expect(file.get() == (number + 1 == count ? 'x' : 'r'));
+    layer.inputs = ReadInt(file);
+    layer.outputs = ReadInt(file);
+    expect(layer.inputs > 0 && layer.inputs <= kLargest && layer.outputs > 0 &&
+           layer.outputs <= kLargest && (number == 0 || layer.inputs == network.NumOutputs()));
+    const auto outputs = static_cast<std::size_t>(layer.outputs);
+    for (std::int32_t i = 0; i < layer.inputs; ++i) {
+      expect(file.get() == '[');
+      const std::vector<float> row = ReadFloats(file, outputs);
+      layer.weights.insert(layer.weights.end(), row.begin(), row.end());
+      expect(file.get() == ']');
+    }
+    expect(file.get() == '[');
+    layer.bias = ReadFloats(file, outputs);
+    expect(file.get() == ']');
+    network.layers.push_back(std::move(layer));
+  }
+  network.input_mean.assign(static_cast<std::size_t>(network.NumInputs()), 0.0f);
+  network.input_deviation.assign(static_cast<std::size_t>(network.NumInputs()), 1.0f);
+  return network;
 }
 
 void SaveCheckpoint(const Network& network, const std::filesystem::path& path) {

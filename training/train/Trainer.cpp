@@ -9,6 +9,9 @@
 #include <numbers>
 #include <numeric>
 #include <stdexcept>
+#include <utility>
+
+#include "training/train/Scaling.h"
 
 namespace veral3::training {
 namespace {
@@ -63,44 +66,42 @@ void StoreInto(Network& network, const Layers& layers) {
   }
 }
 
-// A network of random weights (He, Zhang, Ren and Sun 2015) whose scaling fits the source.
+// A network of random weights whose scaling fits the source.
 Network FreshNetwork(const TrainOptions& options, const ExampleSource& source, Random& random) {
-  constexpr std::size_t kMost = 200000;  // examples to measure
   Network network;
-  const auto inputs = static_cast<std::size_t>(source.NumInputs());
-  std::vector<std::uint32_t> chosen(std::min(kMost, source.NumExamples()));
-  for (auto& example : chosen) {
-    example = static_cast<std::uint32_t>(random.Below(source.NumExamples()));
-  }
-  std::vector<float> rows(chosen.size() * inputs);
-  std::vector<std::int64_t> classes(chosen.size());
-  source.Fill(chosen, rows, classes);
-  std::vector<double> sum(inputs, 0.0);
-  std::vector<double> squares(inputs, 0.0);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    sum[i % inputs] += double{rows[i]};
-    squares[i % inputs] += double{rows[i]} * double{rows[i]};
-  }
-  const auto count = static_cast<double>(chosen.size());
-  for (std::size_t i = 0; i < inputs; ++i) {
-    const double mean = sum[i] / count;
-    const double variance = std::max(squares[i] / count - mean * mean, 1e-8);
-    network.input_mean.push_back(static_cast<float>(mean));
-    network.input_deviation.push_back(static_cast<float>(std::sqrt(variance)));
-  }
+  Scaling scaling = MeasureScaling(source, random);
+  network.input_mean = std::move(scaling.mean);
+  network.input_deviation = std::move(scaling.deviation);
   std::vector<int> sizes = options.hidden;
   sizes.insert(sizes.begin(), source.NumInputs());
   sizes.push_back(source.NumClasses());
   for (std::size_t i = 0; i + 1 < sizes.size(); ++i) {
-    DenseLayer layer{sizes[i], sizes[i + 1], {}, {}};
-    const double deviation = std::sqrt(2.0 / sizes[i]);
-    for (int k = 0; k < sizes[i] * sizes[i + 1]; ++k) {
-      layer.weights.push_back(static_cast<float>(random.Normal() * deviation));
-    }
-    layer.bias.assign(static_cast<std::size_t>(sizes[i + 1]), 0.0f);
-    network.layers.push_back(std::move(layer));
+    network.layers.push_back(RandomLayer(sizes[i], sizes[i + 1], random));
   }
   return network;
+}
+
+// What the loss looks up by an example's class: the columns that its head does not have, and the
+// smoothed probabilities that are wanted of the others.
+struct ClassTables {
+  Tensor closed;  // classes x columns: a large negative number in the columns of other heads
+  Tensor wanted;  // classes x columns
+};
+
+ClassTables MakeTables(const TrainOptions& options, int columns) {
+  constexpr float kClosed = -1e9f;
+  const std::vector<Head> heads =
+      options.heads.empty() ? std::vector<Head>{{0, columns}} : options.heads;
+  ClassTables tables{torch::full({columns, columns}, kClosed), torch::zeros({columns, columns})};
+  for (const Head& head : heads) {
+    const auto smooth = static_cast<float>(options.smoothing / (head.end - head.begin));
+    for (int c = head.begin; c < head.end; ++c) {
+      tables.closed[c].slice(0, head.begin, head.end).fill_(0.0f);
+      tables.wanted[c].slice(0, head.begin, head.end).fill_(smooth);
+      tables.wanted[c][c] += static_cast<float>(1.0 - options.smoothing);
+    }
+  }
+  return tables;
 }
 
 double RateAt(double progress, double highest) {
@@ -136,6 +137,7 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   Layers layers = LayersOf(network);
   torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
 
+  const ClassTables tables = MakeTables(options, network.NumOutputs());
   std::vector<std::uint32_t> order(source.NumExamples());
   std::iota(order.begin(), order.end(), 0u);
   const auto batch = std::min(static_cast<std::size_t>(options.batch), order.size());
@@ -166,11 +168,11 @@ Network Train(const TrainOptions& options, ExampleSource& source,
       Scale(network, row_values);
       Tensor magnitude = torch::zeros({});
       const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
-      Tensor loss = torch::nn::functional::cross_entropy(
-          scores, classes,
-          torch::nn::functional::CrossEntropyFuncOptions().label_smoothing(options.smoothing));
+      const Tensor open = scores + tables.closed.index_select(0, classes);
+      Tensor loss =
+          -(tables.wanted.index_select(0, classes) * torch::log_softmax(open, 1)).sum(1).mean();
       loss_sum += loss.item<double>();
-      right += scores.detach().argmax(1).eq(classes).sum().item<double>();
+      right += open.detach().argmax(1).eq(classes).sum().item<double>();
       if (options.sparsity > 0.0) loss = loss + options.sparsity * magnitude;
       adam.zero_grad();
       loss.backward();

@@ -26,6 +26,12 @@ class ExampleSource {
                     std::span<std::int64_t> classes) const = 0;
 };
 
+// Output columns that compete among themselves: those of one language in a network of several.
+struct Head {
+  int begin = 0;
+  int end = 0;  // first column behind
+};
+
 struct TrainOptions {
   std::vector<int> hidden = {256, 256};
   int batch = 1024;
@@ -34,6 +40,7 @@ struct TrainOptions {
   double dropout = 0.1;
   double smoothing = 0.02;  // of the labels
   double sparsity = 0.0;    // weight of the mean magnitude of the hidden activations in the loss
+  std::vector<Head> heads;  // one after another; none is all columns together
   std::uint64_t seed = 1;
   int threads = 2;
 };
