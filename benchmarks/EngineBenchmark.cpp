@@ -13,6 +13,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/Messages.h"
@@ -79,6 +80,31 @@ void LoadFrameModel(benchmark::State& state) {
   }
 }
 BENCHMARK(LoadFrameModel)->Unit(benchmark::kMillisecond);
+
+// All that is in resources/: three dictionaries and every model.
+bool LoadAll() {
+  AnalyzedAudio::LoadResourceInFolderPath((kRoot + "/resources/").c_str());
+  bool good = true;
+  for (const auto& [name, type] :
+       {std::pair{"EnglishFrame", kFrameModelEnglish},
+        std::pair{"EnglishPhon", kPhonemeModelEnglish},
+        std::pair{"ChineseFrame", kFrameModelChinese},
+        std::pair{"ChinesePhon", kPhonemeModelChinese}, std::pair{"ChineseTone", kToneModelChinese},
+        std::pair{"JapaneseFrame", kFrameModelJapanese},
+        std::pair{"JapanesePhon", kPhonemeModelJapanese},
+        std::pair{"UttGoodness", kUttGoodnessModel}}) {
+    const std::string path = kRoot + "/resources/" + name + ".model";
+    good = AnalyzedAudio::LoadModelFile(path.c_str(), type) >= 0 && good;
+  }
+  return good;
+}
+
+void LoadEverything(benchmark::State& state) {
+  for (auto _ : state) {
+    if (!LoadAll()) state.SkipWithError("a model does not load");
+  }
+}
+BENCHMARK(LoadEverything)->Unit(benchmark::kMillisecond);
 
 // Sentence and alignment; the argument is the length in seconds. real_time: share of the
 // recording's own time.
@@ -221,6 +247,9 @@ void ReportMemory() {
   audio.Align(static_cast<std::uint32_t>(speech.samples.size()), speech.samples.data());
   std::printf("Peak resident memory of an English alignment of %.1f s: %.1f MB\n",
               static_cast<double>(speech.samples.size()) / kRate,
+              static_cast<double>(PeakResidentKilobytes()) / 1024.0);
+  LoadAll();
+  std::printf("Peak resident memory with everything in resources/ loaded: %.1f MB\n",
               static_cast<double>(PeakResidentKilobytes()) / 1024.0);
 }
 
