@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "core/Tones.h"
+#include "tools/CsvColumns.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/TextCells.h"
@@ -167,45 +167,15 @@ constexpr std::array<std::string_view, 29> kCsvColumns = {"file",
                                                           "signal_to_noise_db",
                                                           "speech_energy_ratio"};
 
-std::size_t ColumnOf(std::string_view name) {
-  return static_cast<std::size_t>(std::ranges::find(kCsvColumns, name) - kCsvColumns.begin());
+using Line = CsvLine<kCsvColumns.size()>;
+
+Line LineOf(const AlignmentReport& alignment, const char* tier, const std::string& text, int start,
+            int end) {
+  Line line(kCsvColumns);
+  line.SetSpan(alignment.file, tier, text, start, end);
+  line.Set("duration_s", Fixed(Seconds(end - start), 6));
+  return line;
 }
-
-class CsvLine {
- public:
-  CsvLine(const std::string& file, const char* tier, const std::string& text, int start, int end) {
-    Set("file", QuotedForCsv(file));
-    Set("tier", tier);
-    Set("text", QuotedForCsv(text));
-    Set("start_sample", std::to_string(start));
-    Set("end_sample", std::to_string(end));
-    Set("start_s", Fixed(Seconds(start), 6));
-    Set("end_s", Fixed(Seconds(end), 6));
-    Set("duration_s", Fixed(Seconds(end - start), 6));
-  }
-
-  void Set(std::string_view column, std::string field) {
-    m_fields[ColumnOf(column)] = std::move(field);
-  }
-  void Set(std::string_view column, const std::optional<double>& value, int decimals) {
-    if (value && std::isfinite(*value)) Set(column, Fixed(*value, decimals));
-  }
-  void Set(std::string_view column, const std::optional<int>& value) {
-    if (value) Set(column, std::to_string(*value));
-  }
-
-  std::string Text() const {
-    std::string text;
-    for (std::size_t i = 0; i < m_fields.size(); ++i) {
-      if (i > 0) text += ',';
-      text += m_fields[i];
-    }
-    return text + "\r\n";
-  }
-
- private:
-  std::array<std::string, kCsvColumns.size()> m_fields;
-};
 
 }  // namespace
 
@@ -302,19 +272,12 @@ OrderedJson AnalysisJson(const AnalysisReport& report) {
   return object;
 }
 
-std::string AnalysisCsvHeader() {
-  std::string text;
-  for (const std::string_view column : kCsvColumns) {
-    if (!text.empty()) text += ',';
-    text += column;
-  }
-  return text + "\r\n";
-}
+std::string AnalysisCsvHeader() { return Line::Header(kCsvColumns); }
 
 std::string AnalysisCsv(const AnalysisReport& report) {
   const AlignmentReport& alignment = report.alignment;
   if (!alignment.error.empty()) return "";
-  CsvLine recording(alignment.file, "recording", alignment.sentence, 0, alignment.num_samples);
+  Line recording = LineOf(alignment, "recording", alignment.sentence, 0, alignment.num_samples);
   recording.Set("pitch_hz", report.mean_pitch);
   recording.Set("pitch_segments", std::to_string(report.pitch_segments));
   recording.Set("goodness", report.goodness_probability, 6);
@@ -323,7 +286,7 @@ std::string AnalysisCsv(const AnalysisReport& report) {
   std::string text = recording.Text();
   for (std::size_t i = 0; i < report.words.size(); ++i) {
     const Segment& word = alignment.words[i];
-    CsvLine line(alignment.file, "words", word.text, word.start, word.end);
+    Line line = LineOf(alignment, "words", word.text, word.start, word.end);
     line.Set("probability", word.confidence, 6);
     line.Set("pitch_hz", report.words[i].pitch);
     text += line.Text();
@@ -331,7 +294,7 @@ std::string AnalysisCsv(const AnalysisReport& report) {
   for (std::size_t i = 0; i < report.syllables.size(); ++i) {
     const Segment& part = alignment.syllables[i];
     const SyllableMeasures& syllable = report.syllables[i];
-    CsvLine line(alignment.file, "syllables", part.text, part.start, part.end);
+    Line line = LineOf(alignment, "syllables", part.text, part.start, part.end);
     line.Set("probability", part.confidence, 6);
     line.Set("pitch_hz", syllable.pitch);
     line.Set("intensity", syllable.intensity, 0);
@@ -347,7 +310,7 @@ std::string AnalysisCsv(const AnalysisReport& report) {
   }
   for (std::size_t i = 0; i < report.phonemes.size(); ++i) {
     const Segment& phoneme = alignment.phonemes[i];
-    CsvLine line(alignment.file, "phonemes", phoneme.text, phoneme.start, phoneme.end);
+    Line line = LineOf(alignment, "phonemes", phoneme.text, phoneme.start, phoneme.end);
     line.Set("probability", phoneme.confidence, 6);
     const std::vector<PhonemeReading>& readings = report.phonemes[i].readings;
     for (std::size_t r = 0; r < readings.size(); ++r) {
@@ -358,7 +321,7 @@ std::string AnalysisCsv(const AnalysisReport& report) {
     text += line.Text();
   }
   for (const Pause& pause : report.pauses) {
-    CsvLine line(alignment.file, "pauses", "", pause.start, pause.end);
+    Line line = LineOf(alignment, "pauses", "", pause.start, pause.end);
     line.Set("probability", pause.probability, 6);
     text += line.Text();
   }

@@ -11,6 +11,9 @@
 #include "tools/AnnotateCommand.h"
 #include "tools/CheckTextCommand.h"
 #include "tools/DenoiseCommand.h"
+#include "tools/GradeCommand.h"
+#include "tools/InspectCommand.h"
+#include "tools/TutorCommand.h"
 
 namespace {
 
@@ -31,8 +34,14 @@ int Run(int argc, char** argv) {
   const CLI::App* annotate_command = veral3::tools::AddAnnotateCommand(app, annotate);
   veral3::tools::DenoiseOptions denoise;
   const CLI::App* denoise_command = veral3::tools::AddDenoiseCommand(app, denoise);
+  veral3::tools::GradeOptions grade;
+  const CLI::App* grade_command = veral3::tools::AddGradeCommand(app, grade);
   veral3::tools::CheckTextOptions check_text;
   const CLI::App* check_text_command = veral3::tools::AddCheckTextCommand(app, check_text);
+  veral3::tools::TutorOptions tutor;
+  const CLI::App* tutor_command = veral3::tools::AddTutorCommand(app, tutor);
+  veral3::tools::InspectOptions inspect;
+  const CLI::App* inspect_command = veral3::tools::AddInspectCommand(app, inspect);
 
   if (argc < 2) {
     std::fputs(app.help().c_str(), stderr);
@@ -47,7 +56,10 @@ int Run(int argc, char** argv) {
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
   if (annotate_command->parsed()) return veral3::tools::RunAnnotate(annotate);
   if (denoise_command->parsed()) return veral3::tools::RunDenoise(denoise);
+  if (grade_command->parsed()) return veral3::tools::RunGrade(grade);
   if (check_text_command->parsed()) return veral3::tools::RunCheckText(check_text);
+  if (tutor_command->parsed()) return veral3::tools::RunTutor(tutor);
+  if (inspect_command->parsed()) return veral3::tools::RunInspect(inspect);
   return kWrongUsage;
 }
 

@@ -14,6 +14,7 @@
 #include "tools/AudioFile.h"
 #include "tools/Checksum.h"
 #include "tools/EngineMessages.h"
+#include "tools/MemoryFile.h"
 #include "tools/OutputFile.h"
 #include "tools/TextFiles.h"
 
@@ -107,38 +108,6 @@ std::string ProblemOf(TutorFile& tutor) {
   return "";
 }
 
-// A WAV file in memory, written through libsndfile.
-struct MemoryFile {
-  std::string bytes;
-  std::size_t place = 0;
-
-  static MemoryFile& Of(void* data) { return *static_cast<MemoryFile*>(data); }
-  static sf_count_t Length(void* data) { return static_cast<sf_count_t>(Of(data).bytes.size()); }
-  static sf_count_t Tell(void* data) { return static_cast<sf_count_t>(Of(data).place); }
-  static sf_count_t Seek(sf_count_t offset, int whence, void* data) {
-    const sf_count_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? Tell(data) : Length(data);
-    Of(data).place = static_cast<std::size_t>(std::max<sf_count_t>(0, from + offset));
-    return Tell(data);
-  }
-  static sf_count_t Read(void* to, sf_count_t count, void* data) {
-    MemoryFile& file = Of(data);
-    if (count <= 0 || file.place >= file.bytes.size()) return 0;
-    const std::size_t got =
-        std::min(static_cast<std::size_t>(count), file.bytes.size() - file.place);
-    std::memcpy(to, file.bytes.data() + file.place, got);
-    file.place += got;
-    return static_cast<sf_count_t>(got);
-  }
-  static sf_count_t Write(const void* from, sf_count_t count, void* data) {
-    MemoryFile& file = Of(data);
-    const auto size = static_cast<std::size_t>(std::max<sf_count_t>(0, count));
-    if (file.bytes.size() < file.place + size) file.bytes.resize(file.place + size);
-    std::memcpy(file.bytes.data() + file.place, from, size);
-    file.place += size;
-    return count;
-  }
-};
-
 SF_CHUNK_INFO ChunkInfo() {
   SF_CHUNK_INFO info{};
   std::memcpy(info.id, kChunkId, kChunkIdSize);
@@ -150,8 +119,7 @@ SF_CHUNK_INFO ChunkInfo() {
 std::string MakeWave(const TutorFile& tutor, std::string& wave) {
   MemoryFile memory;
   memory.bytes.reserve(2 * tutor.samples.size() + kMaxChunk + 256);
-  SF_VIRTUAL_IO io{MemoryFile::Length, MemoryFile::Seek, MemoryFile::Read, MemoryFile::Write,
-                   MemoryFile::Tell};
+  SF_VIRTUAL_IO io = kMemoryFileIo;
   SF_INFO info{};
   info.samplerate = kSampleRate;
   info.channels = 1;
@@ -299,6 +267,13 @@ Result<TutorFile> LoadTutor(const std::filesystem::path& path) {
   std::string problem = Read(path, tutor);
   if (!problem.empty()) return Result<TutorFile>::Failure(std::move(problem));
   return tutor;
+}
+
+bool IsTutorFile(const std::filesystem::path& path) {
+  if (!FileProblem(path).empty()) return false;
+  SF_INFO info{};
+  const SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
+  return file && !ReadChunk(file.get()).empty();
 }
 
 HLYFile AsHLYFile(TutorFile& tutor) {

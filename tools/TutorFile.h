@@ -48,6 +48,10 @@ std::string WriteTutor(const std::filesystem::path& path, const TutorFile& tutor
 // sound and everything else.
 Result<TutorFile> LoadTutor(const std::filesystem::path& path);
 
+// Whether a file is a tutor file, be it a damaged one or of a later version, and no plain
+// recording.
+bool IsTutorFile(const std::filesystem::path& path);
+
 // The tutor as the engine takes it. Refers to the samples and the record of `tutor`, which must
 // outlive it.
 HLYFile AsHLYFile(TutorFile& tutor);

@@ -18,6 +18,7 @@ bool HasType(const json& value, const std::string& type) {
   if (type == "integer") return value.is_number_integer();
   if (type == "number") return value.is_number();
   if (type == "boolean") return value.is_boolean();
+  if (type == "boolean") return value.is_boolean();
   if (type == "null") return value.is_null();
   throw std::runtime_error("unknown type " + type);
 }

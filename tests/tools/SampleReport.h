@@ -4,6 +4,7 @@
 
 #include "tools/AlignmentReport.h"
 #include "tools/AnalysisReport.h"
+#include "tools/GradeReport.h"
 
 namespace veral3::tools::test {
 
@@ -45,6 +46,47 @@ inline AnalysisReport SampleAnalysis() {
   report.contours.wave.assign(100, 7);
   report.contours.pitch.assign(128, 8);
   report.contours.intensity.assign(128, 9);
+  return report;
+}
+
+// The same, graded against a tutor.
+inline GradeReport SampleGrade() {
+  GradeReport report;
+  report.analysis = SampleAnalysis();
+  report.tutor_file = "t.wav";
+  report.teacher = "Ms. Lin";
+  report.scores = {81, 90, 80, 70, 60};
+  report.words = {{{91, 91, 92, 93, 94}, {1.0, 1.0, 1.0}},
+                  {{72, 70, 60, 80, 90}, {1.5, 1e10, 1.0}}};
+  report.syllables = {{{std::nullopt, 91, 92, 93, 94}, '-', '-', '-', false, {}, {}},
+                      {{std::nullopt, 80, 70, 60, 50}, 'h', 'S', '-', true, {}, {}},
+                      {{std::nullopt, 95, 40, 96, 97}, 'L', '-', 'l', false, {}, {}}};
+  for (int i = 0; i < 7; ++i) report.phonemes.emplace_back(100 - 10 * i);
+  report.drawn.file = "a.wav";
+  report.drawn.samples.assign(22050, 0);
+  for (std::size_t i = 2200; i < 17600; ++i) {
+    report.drawn.samples[i] = static_cast<std::int16_t>(i % 100 < 50 ? 8000 : -8000);
+  }
+  report.drawn.utterance = {2200, 17600};
+  report.drawn.words = {{2200, 6600}, {8800, 17600}};
+  report.drawn.syllables = {{2200, 6600}, {8800, 9900}, {9900, 17600}};
+  report.drawn.contours = report.analysis.contours;
+  return report;
+}
+
+// The same, its pronunciation graded alone.
+inline GradeReport SamplePronunciationGrade() {
+  GradeReport report = SampleGrade();
+  report.pronunciation_only = true;
+  report.tutor_file.clear();
+  report.teacher.clear();
+  report.scores = {85, 90, {}, {}, {}};
+  report.words.assign(2, {});
+  for (SyllableGrade& syllable : report.syllables) {
+    const std::optional<int> pronunciation = syllable.scores.pronunciation;
+    syllable = {};
+    syllable.scores.pronunciation = pronunciation;
+  }
   return report;
 }
 

@@ -36,15 +36,15 @@ bool VariantExists(const std::string& variant) {
 }  // namespace
 
 EspeakSpeech::EspeakSpeech() {
-  const int rate = espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, 0, nullptr,
-                                     espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_DONT_EXIT);
+  // Started once and never ended: espeak-ng hangs when it is started again.
+  static const int rate =
+      espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, 0, nullptr,
+                        espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_DONT_EXIT);
   if (rate != kSampleRate) {
     throw std::runtime_error("espeak-ng did not start at 22050 Hz; is espeak-ng-data installed?");
   }
   espeak_SetSynthCallback(Receive);
 }
-
-EspeakSpeech::~EspeakSpeech() { espeak_Terminate(); }
 
 void EspeakSpeech::SetVoice(const EspeakVoice& voice) {
   const auto plus = voice.name.find('+');

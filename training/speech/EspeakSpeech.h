@@ -26,11 +26,10 @@ struct SpokenText {
   std::vector<PhonemeEvent> events;
 };
 
-// espeak-ng keeps its state in the process: one object at a time, one thread.
+// espeak-ng keeps its state in the process, the voice too: one object at a time, one thread.
 class EspeakSpeech {
  public:
   EspeakSpeech();  // throws std::runtime_error where espeak-ng or its data is missing
-  ~EspeakSpeech();
   EspeakSpeech(const EspeakSpeech&) = delete;
   EspeakSpeech& operator=(const EspeakSpeech&) = delete;
 

@@ -1,0 +1,107 @@
+// The same with the resources that are shipped, on the example recordings. A program of its own:
+// what it loads into the process is not what the other tests have.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "GradedScores.h"
+#include "storage/SavedAlignedAudio.h"
+#include "support/MessageCapture.h"
+#include "support/Vectors.h"
+#include "tools/AudioFile.h"
+#include "tools/MakeTutor.h"
+#include "tools/Resources.h"
+#include "tools/TutorFile.h"
+
+namespace veral3::tools {
+namespace {
+
+const std::filesystem::path kSource(VERAL3_SOURCE_DIR);
+
+class StoredExample : public testing::TestWithParam<const char*> {
+ protected:
+  static void SetUpTestSuite() {
+    const auto loaded =
+        LoadResources(kSource / "resources", kLanguageEnglish, ResourceUse::kMeasure);
+    ASSERT_TRUE(loaded) << loaded.Error();
+    // Scores are weighed by it; this one takes every recording for good enough.
+    ASSERT_GE(AnalyzedAudio::LoadModelFile(veral3::test::VectorPath("models/good.bin").c_str(),
+                                           kUttGoodnessModel),
+              0);
+  }
+
+  std::filesystem::path File(const char* ending) const {
+    return kSource / "examples/audio" / (std::string(GetParam()) + ending);
+  }
+  std::string Text() const {
+    return nlohmann::json::parse(veral3::test::ReadFile(File(".json"))).at("text");
+  }
+
+  void Analyse(AnalyzedAudio& audio, std::vector<std::int16_t> samples) {
+    ASSERT_EQ(audio.AddPossibleSentence(Text().c_str()), 1);
+    const auto count = static_cast<std::uint32_t>(samples.size());
+    ASSERT_EQ(audio.Align(count, samples.data()), 0);
+    ASSERT_EQ(audio.Analyze(count, samples.data()), 0);
+  }
+
+  const veral3::test::MessageCapture m_messages;
+  const veral3::test::ScratchFolder m_folder;
+};
+
+// A learner who says it higher, slower at first and faster at the end, and softer at the end.
+std::vector<std::int16_t> Changed(const std::vector<std::int16_t>& samples) {
+  std::vector<std::int16_t> changed;
+  double place = 0.0;
+  while (place + 1.0 < static_cast<double>(samples.size())) {
+    const double part = place / static_cast<double>(samples.size());
+    const auto at = static_cast<std::size_t>(place);
+    const double between = place - std::floor(place);
+    const double value = (1.0 - between) * samples[at] + between * samples[at + 1];
+    changed.push_back(static_cast<std::int16_t>(value * (0.9 - 0.5 * part)));
+    place += 0.95 + 0.25 * part;
+  }
+  return changed;
+}
+
+// English: not one score differs. Times and pitch lose nothing in the record, and the loudness only
+// what single precision does.
+TEST_P(StoredExample, GradesLikeTheOneAnalysed) {
+  const auto recording = ReadAudioFile(File(".wav"));
+  ASSERT_TRUE(recording);
+  AnalyzedAudio tutor(kLanguageEnglish);
+  Analyse(tutor, recording->samples);
+  GradedAudio learner(kLanguageEnglish);
+  Analyse(learner, Changed(recording->samples));
+
+  std::string messages;
+  auto made = MakeTutor({File(".wav"), {Text()}, {Text()}}, kLanguageEnglish, messages);
+  ASSERT_TRUE(made) << made.Error();
+  const auto path = m_folder.Path() / "tutor.wav";
+  ASSERT_EQ(WriteTutor(path, *made), "");
+  auto file = LoadTutor(path);
+  ASSERT_TRUE(file) << file.Error();
+  HLYFile hly = AsHLYFile(*file);
+  SavedAlignedAudio saved(kLanguageEnglish);
+  ASSERT_EQ(saved.LoadFromHLY(&hly), 0);
+
+  const test::GradedScores fresh = test::Grade(learner, tutor);
+  const test::GradedScores stored = test::Grade(learner, saved);
+  ASSERT_GE(fresh.result, 0);
+  EXPECT_GT(fresh.pronunciation, 0);
+  EXPECT_TRUE(std::ranges::any_of(fresh.syllable_timing, [](int score) { return score < 100; }));
+  EXPECT_TRUE(stored == fresh);
+
+  // A tutor graded against itself, too.
+  GradedAudio self(kLanguageEnglish);
+  Analyse(self, file->samples);
+  EXPECT_TRUE(test::Grade(self, tutor) == test::Grade(self, saved));
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, StoredExample,
+                         testing::Values("english-bread", "english-train", "english-weather"));
+
+}  // namespace
+}  // namespace veral3::tools

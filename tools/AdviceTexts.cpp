@@ -1,0 +1,56 @@
+#include "tools/AdviceTexts.h"
+
+namespace veral3::tools {
+
+std::string_view NameOf(AdviceKind kind) {
+  switch (kind) {
+    case AdviceKind::kPitch:
+      return "pitch";
+    case AdviceKind::kTiming:
+      return "timing";
+    case AdviceKind::kIntensity:
+      break;
+  }
+  return "loudness";
+}
+
+std::vector<AdviceText> AdviceTextsOf(AdviceKind kind, LanguageType language) {
+  switch (kind) {
+    case AdviceKind::kPitch:
+      if (language == kLanguageChinese) {
+        std::vector<AdviceText> tones;
+        for (char tone = '0'; tone <= '4'; ++tone) {
+          tones.push_back({tone, std::string("said with a pitch most like tone class ") + tone});
+        }
+        return tones;
+      }
+      return {{'-', "pitch is fine here"},
+              {'h', "pitch too high"},
+              {'H', "pitch much too high"},
+              {'l', "pitch should be higher"},
+              {'L', "pitch should be much higher"}};
+    case AdviceKind::kTiming:
+      return {{'-', "length is fine here"},
+              {'l', "too long"},
+              {'L', "much too long"},
+              {'s', "too short"},
+              {'S', "much too short"}};
+    case AdviceKind::kIntensity:
+      break;
+  }
+  return {{'-', "loudness is fine here"},
+          {'h', "too loud"},
+          {'H', "much too loud"},
+          {'l', "too soft"},
+          {'L', "much too soft"}};
+}
+
+std::string AdviceOf(AdviceKind kind, LanguageType language, char letter) {
+  if (letter == '-') return "";
+  for (const AdviceText& advice : AdviceTextsOf(kind, language)) {
+    if (advice.letter == letter) return advice.text;
+  }
+  return "";
+}
+
+}  // namespace veral3::tools

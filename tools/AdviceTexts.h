@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/LanguageType.h"
+
+// The letters that grading gives as advice, in words.
+namespace veral3::tools {
+
+enum class AdviceKind { kPitch, kTiming, kIntensity };
+
+// "pitch", "timing", "loudness".
+std::string_view NameOf(AdviceKind kind);
+
+struct AdviceText {
+  char letter;
+  std::string text;
+};
+
+// Every letter that `kind` has in a language, with its meaning; '-' first where there is one.
+std::vector<AdviceText> AdviceTextsOf(AdviceKind kind, LanguageType language);
+
+// What a letter means; "" for one that says nothing ('-', none, or a letter there is none of).
+std::string AdviceOf(AdviceKind kind, LanguageType language, char letter);
+
+}  // namespace veral3::tools

@@ -1,0 +1,107 @@
+#include "tools/GradeReport.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "grading/GradedAudio.h"
+
+namespace veral3::tools {
+namespace {
+
+std::optional<double> Finite(double value) {
+  return std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+WordGrade GradeOfWord(GradedAudio& learner, int i) {
+  WordGrade grade;
+  grade.scores = {learner.GetWordScore(i), learner.GetWordPronunScore(i),
+                  learner.GetWordPitchScore(i), learner.GetWordTimingScore(i),
+                  learner.GetWordIntensityScore(i)};
+  if (learner.GetLanguageType() == kLanguageEnglish) {
+    grade.contrasts = {Finite(learner.GetWordPitchConstrast(i)),
+                       Finite(learner.GetWordTimingConstrast(i)),
+                       Finite(learner.GetWordIntensityConstrast(i))};
+  }
+  return grade;
+}
+
+SyllableGrade GradeOfSyllable(GradedAudio& learner, int i) {
+  SyllableGrade grade;
+  grade.scores = {std::nullopt, learner.GetSyllablePronunScore(i), learner.GetSyllablePitchScore(i),
+                  learner.GetSyllableTimingScore(i), learner.GetSyllableIntensityScore(i)};
+  grade.pitch_advice = learner.GetSyllablePitchAdvice(i);
+  grade.timing_advice = learner.GetSyllableTimingAdvice(i);
+  grade.intensity_advice = learner.GetSyllableIntensityAdvice(i);
+  grade.unnecessary_pause = learner.GetSyllableUnnecessaryPause(i);
+  if (learner.GetLanguageType() == kLanguageChinese) {
+    grade.tutor_tone = learner.GetCorrectTone(i);
+    grade.learner_tone = learner.GetStudentTone(i);
+  }
+  return grade;
+}
+
+}  // namespace
+
+GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, bool with_tutor) {
+  GradeReport report;
+  report.analysis = std::move(analysis);
+  report.pronunciation_only = !with_tutor;
+  report.scores.total = learner.GetTotalScore();
+  report.scores.pronunciation = learner.GetPronunScore();
+  if (with_tutor) {
+    report.scores.pitch = learner.GetPitchScore();
+    report.scores.timing = learner.GetTimingScore();
+    report.scores.intensity = learner.GetIntensityScore();
+  }
+  const int num_words = learner.GetNumOfWords();
+  for (int i = 0; i < num_words; ++i) {
+    report.words.push_back(with_tutor ? GradeOfWord(learner, i) : WordGrade());
+  }
+  const int num_syllables = learner.GetNumOfSyllables();
+  for (int i = 0; i < num_syllables; ++i) {
+    SyllableGrade grade;
+    if (with_tutor) {
+      grade = GradeOfSyllable(learner, i);
+    } else {
+      grade.scores.pronunciation = learner.GetSyllablePronunScore(i);
+    }
+    report.syllables.push_back(grade);
+  }
+  const int num_phonemes = learner.GetNumOfPhonemes();
+  for (int i = 0; i < num_phonemes; ++i) {
+    report.phonemes.emplace_back(learner.GetPhonemePonunScore(i));
+  }
+  return report;
+}
+
+DrawnRecording DrawingOf(std::string file, AlignedAudio& audio,
+                         std::span<const std::int16_t> samples) {
+  DrawnRecording drawn;
+  drawn.file = std::move(file);
+  drawn.samples.assign(samples.begin(), samples.end());
+  drawn.utterance = {audio.GetUttStartSampleNum(), audio.GetUttEndSampleNum()};
+  const int num_phonemes = audio.GetNumOfPhonemes();
+  // From the start of phoneme `first` to the end of the one before `next`.
+  const auto span = [&](int first, int next) {
+    const int start = audio.GetPhonemeStartSampleNum(first);
+    return DrawnRecording::Span{start,
+                                next > first ? audio.GetPhonemeEndSampleNum(next - 1) : start};
+  };
+  const int num_words = audio.GetNumOfWords();
+  for (int i = 0; i < num_words; ++i) {
+    drawn.words.push_back(
+        span(audio.GetWordStartPosition(i),
+             i + 1 < num_words ? audio.GetWordStartPosition(i + 1) : num_phonemes));
+  }
+  const int num_syllables = audio.GetNumOfSyllables();
+  for (int i = 0; i < num_syllables; ++i) {
+    drawn.syllables.push_back(
+        span(audio.GetSyllableStartPosition(i),
+             i + 1 < num_syllables ? audio.GetSyllableStartPosition(i + 1) : num_phonemes));
+  }
+  drawn.contours = ContoursOf(audio);
+  return drawn;
+}
+
+}  // namespace veral3::tools

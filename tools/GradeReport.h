@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tools/AnalysisReport.h"
+
+class GradedAudio;
+
+// What one grading found, as plain data for the output formats (tools/GradeFormats.h,
+// tools/GradePage.h). A value that was not graded is empty: after grading the pronunciation alone
+// these are pitch, timing and intensity, the scores of words, advice and contrasts.
+namespace veral3::tools {
+
+// Whole numbers, 0 to 100.
+struct GradeScores {
+  std::optional<int> total;
+  std::optional<int> pronunciation;
+  std::optional<int> pitch;
+  std::optional<int> timing;
+  std::optional<int> intensity;
+};
+
+// English: how much more the tutor stresses the syllable that ought to be stressed than the one
+// that the learner stressed, as a ratio; 1 where they are the same, 1e10 where the latter has none.
+struct WordContrasts {
+  std::optional<double> pitch;
+  std::optional<double> timing;
+  std::optional<double> intensity;
+};
+
+struct WordGrade {
+  GradeScores scores;
+  WordContrasts contrasts;
+};
+
+struct SyllableGrade {
+  GradeScores scores;        // without a total
+  char pitch_advice = '\0';  // as GradedAudio gives them; '\0' none given
+  char timing_advice = '\0';
+  char intensity_advice = '\0';
+  std::optional<bool> unnecessary_pause;  // before it
+  std::optional<int> tutor_tone;          // Chinese: most likely tone class, 0 to 4
+  std::optional<int> learner_tone;
+};
+
+// A recording as it is drawn.
+struct DrawnRecording {
+  struct Span {
+    int start = 0;  // [samples]
+    int end = 0;
+  };
+  std::string file;
+  std::vector<std::int16_t> samples;  // 22050 Hz
+  Span utterance;
+  std::vector<Span> words;
+  std::vector<Span> syllables;
+  ContourSet contours;
+};
+
+struct GradeReport {
+  AnalysisReport analysis;  // of the learner; its alignment's error is why there is no grade
+  bool pronunciation_only = false;
+  std::string tutor_file;  // "" without a tutor
+  std::string teacher;     // "" where the tutor's file does not say
+  GradeScores scores;
+  std::vector<WordGrade> words;  // one for each of the alignment's
+  std::vector<SyllableGrade> syllables;
+  std::vector<std::optional<int>> phonemes;  // scores
+  DrawnRecording drawn;                      // the learner's
+};
+
+// Reads a graded learner whose analysis is reported already. `with_tutor`: was it graded against
+// one, or in its pronunciation alone.
+GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, bool with_tutor);
+
+// What is drawn of an aligned recording.
+DrawnRecording DrawingOf(std::string file, AlignedAudio& audio,
+                         std::span<const std::int16_t> samples);
+
+}  // namespace veral3::tools
