@@ -44,7 +44,7 @@ goodness_corpora() {
   both "${jobs[@]}"
 }
 
-# The 16 features of 15,000 recordings in each language.
+# The 16 features of 6,000 recordings in each language.
 goodness_features() {
   local language other number name dictionary corpora foreign
   for language in $(goodness_languages); do
@@ -56,7 +56,7 @@ goodness_features() {
       if [ $other != "$language" ]; then foreign+=("$(goodness_work $other)/goodness1.corpus"); fi
     done
     "$bin/make-goodness-features" --language "$number" --corpus "${corpora[@]}" \
-      --foreign "${foreign[@]}" --count 15000 --seed 31 --threads "$threads" \
+      --foreign "${foreign[@]}" --count 6000 --seed 31 --threads "$threads" \
       --out "$(goodness_work "$language")/goodness.vectors"
   done
 }
