@@ -3,6 +3,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <utility>
 #include <vector>
@@ -52,10 +53,10 @@ std::string CheckPage(const GradeOptions& options, const std::vector<std::string
   return "";
 }
 
-// The way to the tutor: first what its file says, later, with resources, the tutor itself.
+// What the tutor's file says before any resources are there.
 struct TutorPlan {
   std::optional<TutorFile> stored;
-  std::string error;  // the tutor's own: learners get it as theirs
+  std::string error;  // why there is no tutor
 };
 
 TutorPlan PlanTutor(const GradeOptions& options) {
@@ -74,12 +75,36 @@ TutorPlan PlanTutor(const GradeOptions& options) {
   return plan;
 }
 
-// Lets each job read the tutor's sentence; a job whose candidates lack it gets an error.
+// A prepared sentence without what reading it makes nothing of: case, and the signs that part
+// words.
+std::wstring SpokenPart(const std::string& prepared) {
+  CString upper(prepared);
+  upper.MakeUpper();
+  const std::wstring text(std::wstring_view{upper});
+  if (text.find(L'|') != std::wstring::npos) return text;  // inline segments mean what they say
+  std::wstring words;
+  for (const wchar_t c : text) {
+    const bool parts =
+        c == L' ' || (c < 0x80 && std::ispunct(static_cast<int>(c)) != 0 && c != L'\'');
+    if (!parts) {
+      words += c;
+    } else if (!words.empty() && words.back() != L' ') {
+      words += L' ';
+    }
+  }
+  while (words.ends_with(L' ')) words.pop_back();
+  return words;
+}
+
+// Lets each job read the tutor's sentence. Why one cannot, "" where it can.
 std::vector<std::string> KeepSentence(std::vector<AlignJob>& jobs, const std::string& sentence,
                                       const std::string& prepared) {
   std::vector<std::string> errors(jobs.size());
   for (std::size_t i = 0; i < jobs.size(); ++i) {
-    if (std::ranges::find(jobs[i].prepared, prepared) == jobs[i].prepared.end()) {
+    const bool reads_it = std::ranges::any_of(jobs[i].prepared, [&](const std::string& candidate) {
+      return SpokenPart(candidate) == SpokenPart(prepared);
+    });
+    if (!reads_it) {
       errors[i] = "reads another sentence than the tutor, who reads \"" + sentence + "\"";
     }
     jobs[i].sentences = {sentence};
@@ -88,10 +113,41 @@ std::vector<std::string> KeepSentence(std::vector<AlignJob>& jobs, const std::st
   return errors;
 }
 
-RecordingReport FailedRecording(const AlignJob& job, const std::string& error, Format format) {
-  GradeReport report;
-  report.analysis.alignment = FailedReport(job, error);
-  return {"", error, TextOf(report, format)};
+// The tutor, if there is one, and for each job why it cannot be graded, "" where it can.
+struct TutorOfJobs {
+  bool usable = true;  // false: wrong usage, which was told of
+  std::optional<Tutor> tutor;
+  std::vector<std::string> errors;
+};
+
+TutorOfJobs TakeTutor(const GradeOptions& options, TutorPlan plan, std::vector<AlignJob>& jobs,
+                      Console& console) {
+  TutorOfJobs taken;
+  taken.errors.resize(jobs.size());
+  if (!options.tutor) return taken;
+  const LanguageType language = LanguageOf(options.language);
+  AlignJob job{*options.tutor, jobs.front().sentences, jobs.front().prepared};
+  if (plan.stored) {
+    // A sentence of the tutor's own, prepared as the learners' are.
+    std::vector<AlignJob> read = {{*options.tutor, {plan.stored->sentence}, {}}};
+    taken.usable = PlanFor(options, read, console);
+    if (!taken.usable) return taken;
+    job = read.front();
+  }
+  std::string messages;
+  Result<Tutor> tutor = !plan.error.empty() ? Result<Tutor>::Failure(plan.error)
+                        : plan.stored ? StoredTutor(job.file, std::move(*plan.stored), language)
+                                      : AnalyzedTutor(job, language, messages);
+  PrintMessages(console, job.file, messages);
+  if (!tutor) {
+    console.Error(job.file + ": " + tutor.Error());
+    std::ranges::fill(taken.errors, "not graded: the tutor " + job.file + " " + tutor.Error());
+    return taken;
+  }
+  const auto read = std::ranges::find(job.sentences, tutor->sentence) - job.sentences.begin();
+  taken.errors = KeepSentence(jobs, tutor->sentence, job.prepared[static_cast<std::size_t>(read)]);
+  taken.tutor = std::move(*tutor);
+  return taken;
 }
 
 // Writes the page of all learners. What went wrong, or "".
@@ -154,7 +210,10 @@ int RunGrade(GradeOptions options) {
   }
   TutorPlan plan = PlanTutor(options);
   Result<std::vector<AlignJob>> jobs = JobsOfLearners(options, plan);
-  if (!jobs) return plan.error.empty() ? fail(jobs.Error()) : (fail(jobs.Error()), kSomeFailed);
+  if (!jobs) {
+    console.Error(jobs.Error());
+    return plan.error.empty() ? kWrongUsage : kSomeFailed;
+  }
   const Format format = FormatOf(options.format).value_or(Format::kTable);
   const std::vector<std::string> files = FilesOf(*jobs);
   ReportTarget target = TargetOf(format, options.output);
@@ -164,43 +223,20 @@ int RunGrade(GradeOptions options) {
   if (!LoadFor(options, ResourceUse::kGrade, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
 
+  const TutorOfJobs taken = TakeTutor(options, std::move(plan), *jobs, console);
+  if (!taken.usable) return kWrongUsage;
+  const Tutor* const tutor = taken.tutor ? &*taken.tutor : nullptr;
   const LanguageType language = LanguageOf(options.language);
-  std::optional<Tutor> tutor;
-  std::vector<std::string> errors(jobs->size());
-  if (options.tutor) {
-    std::string messages;
-    // A sentence of the tutor's own, prepared as the learners' are.
-    AlignJob job{*options.tutor, jobs->front().sentences, jobs->front().prepared};
-    if (plan.stored) {
-      std::vector<AlignJob> read = {{*options.tutor, {plan.stored->sentence}, {}}};
-      if (!PlanFor(options, read, console)) return kWrongUsage;
-      job = read.front();
-    }
-    Result<Tutor> made = !plan.error.empty() ? Result<Tutor>::Failure(plan.error)
-                         : plan.stored
-                             ? StoredTutor(*options.tutor, std::move(*plan.stored), language)
-                             : AnalyzedTutor(job, language, messages);
-    if (made) {
-      tutor = std::move(*made);
-      const auto read = std::ranges::find(job.sentences, tutor->sentence) - job.sentences.begin();
-      errors = KeepSentence(*jobs, tutor->sentence, job.prepared[static_cast<std::size_t>(read)]);
-    } else {
-      plan.error = made.Error();
-      console.Error(*options.tutor + ": " + plan.error);
-      std::ranges::fill(errors, "not graded: the tutor " + *options.tutor + " " + plan.error);
-    }
-  }
-
   std::vector<GradeReport> reports(jobs->size());
   int status = RunReports(
       target, files, options.jobs,
       [&](std::size_t i) {
         const AlignJob& job = (*jobs)[i];
-        if (!errors[i].empty()) {
-          reports[i].analysis.alignment = FailedReport(job, errors[i]);
-          return FailedRecording(job, errors[i], format);
+        if (const std::string& error = taken.errors[i]; !error.empty()) {
+          reports[i].analysis.alignment = FailedReport(job, error);
+          return RecordingReport{"", error, TextOf(reports[i], format)};
         }
-        GradeOutcome outcome = RunGradeJob(job, language, tutor ? &*tutor : nullptr);
+        GradeOutcome outcome = RunGradeJob(job, language, tutor);
         RecordingReport text = {outcome.messages, outcome.report.analysis.alignment.error,
                                 TextOf(outcome.report, format)};
         if (!options.report.empty()) reports[i] = std::move(outcome.report);
@@ -208,7 +244,7 @@ int RunGrade(GradeOptions options) {
       },
       console);
   if (options.report.empty() || status == kWrongUsage) return status;
-  if (std::string error = WritePage(options, reports, tutor ? &*tutor : nullptr); !error.empty()) {
+  if (std::string error = WritePage(options, reports, tutor); !error.empty()) {
     console.Error(error);
     status = kSomeFailed;
   }

@@ -6,9 +6,7 @@
 #include "tools/InOrder.h"
 
 namespace veral3::tools {
-namespace {
 
-// Lines about a recording, each with its name in front.
 void PrintMessages(Console& console, const std::string& file, std::string_view messages) {
   while (!messages.empty()) {
     const std::size_t end = messages.find('\n');
@@ -16,8 +14,6 @@ void PrintMessages(Console& console, const std::string& file, std::string_view m
     messages = end == std::string_view::npos ? std::string_view() : messages.substr(end + 1);
   }
 }
-
-}  // namespace
 
 int RunReports(const ReportTarget& target, const std::vector<std::string>& files, int threads,
                const std::function<RecordingReport(std::size_t i)>& run, Console& console) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/Console.h"
@@ -16,6 +17,9 @@ struct RecordingReport {
   std::string error;     // why it failed, "" when it did not
   std::string text;      // the result in the form asked for
 };
+
+// Writes lines about a recording, each with its name in front.
+void PrintMessages(Console& console, const std::string& file, std::string_view messages);
 
 // Runs `run(i)` for each of `files`, up to `threads` at a time, writes the texts to `target` in
 // order, and says on the console what went wrong and how far it has come. `run` must not throw.

@@ -92,6 +92,11 @@ TEST_F(Grade, ATutorFileBringsItsSentence) {
   const ProcessResult same = GradeEnglish({"--tutor", Path("tutor.wav"), "--text", m_sentence,
                                            "--format", "json", Path("en_learner.wav")});
   EXPECT_EQ(same.out, stored.out);
+  // Case and punctuation are no other sentence.
+  const ProcessResult alike =
+      GradeEnglish({"--tutor", Path("tutor.wav"), "--text", "i READ the cat!", "--format", "json",
+                    Path("en_learner.wav")});
+  EXPECT_EQ(alike.out, stored.out);
   WriteFile(Path("list.tsv"), "en_learner.wav\tapple\nen_learner.wav\t" + m_sentence + "\n");
   const ProcessResult other =
       GradeEnglish({"--tutor", Path("tutor.wav"), "--list", Path("list.tsv"), "--format", "json"});
@@ -245,6 +250,36 @@ TEST_F(Grade, TableAndCommaSeparatedValues) {
                     "--output", Path("out/"), Path("en_learner.wav")});
   ASSERT_EQ(csv.status, 0) << csv.err;
   EXPECT_THAT(ReadFile(Path("out/en_learner.csv")), StartsWith("file,tier,text,"));
+}
+
+// The models of the source tree and the bundled learner, who says z and d for th.
+TEST(GradeEndToEnd, ALearnersThIsHeard) {
+  const std::filesystem::path examples =
+      std::filesystem::path(VERAL3_SOURCE_DIR) / "examples/audio";
+  const std::string tutor = examples / "english-weather.wav";
+  const ProcessResult result = RunVeral3({"grade", "--lang", "en", "--tutor", tutor, "--text",
+                                          "The weather is lovely this morning.", "--format", "json",
+                                          examples / "english-learner.wav", tutor});
+  ASSERT_EQ(result.status, 0) << result.err;
+  const json value = json::parse(result.out);
+  const json& learner = value[0];
+  const json& same = value[1];
+  int heard = 0;
+  for (const json& phoneme : learner["phonemes"]) {
+    if (phoneme["symbol"] != "D") continue;
+    EXPECT_LT(phoneme["score"], 60);
+    heard += phoneme["sounds_like"] == "z" || phoneme["sounds_like"] == "d";
+  }
+  EXPECT_EQ(heard, 3);
+  EXPECT_LT(learner["scores"]["total"], 75);
+  EXPECT_GT(learner["scores"]["total"], 30);
+  // The tutor against himself.
+  EXPECT_GE(same["scores"]["total"], 90);
+  EXPECT_GE(same["scores"]["pitch"], 90);
+  for (const json& syllable : same["syllables"]) {
+    EXPECT_EQ(syllable["advice"]["pitch"], "-");
+    EXPECT_EQ(syllable["advice"]["timing"], "-");
+  }
 }
 
 }  // namespace

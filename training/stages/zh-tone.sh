@@ -9,8 +9,8 @@ tone_features() {
 }
 
 tone_network() {
-  $bin/train-network --kind vector --hidden 192 96 --features "$work/tone.vectors" \
-    --test "$work/tone-held.vectors" --threads $threads --epochs 14 --batch 1024 --rate 3e-3 \
+  $bin/train-network --kind vector --hidden 256 96 --features "$work/tone.vectors" \
+    --test "$work/tone-held.vectors" --threads $threads --epochs 30 --batch 1024 --rate 3e-3 \
     --dropout 0 --smoothing 0.01 --seed 1 --out "$work/tone.net" \
     --model resources/ChineseTone.model --version 1
 }
