@@ -1,8 +1,9 @@
 # The utterance-goodness model: one for all languages, from readings right and wrong in each language
 # that has a frame and a phoneme model. Sourced by training/make-models, which gives `stage`, `both`,
-# `bin` and `threads`; run after the models of the languages, and again when one of them changes.
+# `root`, `bin` and `threads`; run after the models of the languages, and again when one of them
+# changes.
 
-goodness_work() { echo "training/work/$1"; }
+goodness_work() { echo "$root/$1"; }
 
 goodness_language() {  # number, name, dictionary
   case $1 in
@@ -67,7 +68,7 @@ goodness_network() {
   done
   "$bin/train-network" --kind vector --features "${vectors[@]}" --hidden 24 12 --batch 128 \
     --epochs 40 --rate 3e-3 --dropout 0 --smoothing 0 --seed 1 --threads "$threads" \
-    --out training/work/goodness.net --model resources/UttGoodness.model --version 1
+    --out "$root/goodness.net" --model resources/UttGoodness.model --version 1
 }
 
 goodness_stages() {

@@ -1,4 +1,5 @@
-# Chinese: frame and phoneme classifier, and, of tones, what training/stages/zh-tone.sh does. Sourced by training/make-models.
+# Chinese: frame, phoneme and tone classifier (that of tones in training/stages/zh-tone.sh). Sourced
+# by training/make-models.
 #
 # There is one synthesiser only. So the frame classifier starts from the hidden layers of the English
 # one, which heard other synthesisers too, with an output layer of its own.
