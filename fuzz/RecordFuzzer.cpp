@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "common/Messages.h"
@@ -41,8 +42,7 @@ void AskEverything(SavedAlignedAudio& audio) {
   audio.FindHighIntensitySyallbles(&top[0], &top[1], &top[2]);
   audio.FindLongDurationSyallbles(&top[0], &top[1], &top[2]);
   Require(std::all_of(top, top + 3, [&](int i) { return i >= -1 && i < syllables; }));
-  static volatile double sink;
-  sink = sum + audio.GetUttAveragePitch();
+  Require(!std::to_string(sum + audio.GetUttAveragePitch()).empty());  // so that all is read
 }
 
 }  // namespace

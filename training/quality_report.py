@@ -55,8 +55,8 @@ TARGETS = [
      "right sentence of 8, one word changed"),
     ("English", "left-out", r"substituted phonemes, clean", r"area under curve ([\d.]+)", ">=", 0.85,
      "substituted phonemes, clean: area under curve"),
-    ("Chinese", "held-out", r"tones, in sentences.*", r"right ([\d.]+)", ">=", 0.95,
-     "tones in sentences"),
+    ("Chinese", "held-out", r"tones, clean", r"right ([\d.]+)", ">=", 0.95,
+     "{measure}"),
     ("", "held-out", r"annotation, clean", r"phoneme error rate ([\d.]+)", "<=", 0.25,
      "annotation without a sentence, clean: phoneme error rate"),
     ("", "held-out", r"goodness, unrelated sentence", r"area under curve ([\d.]+)", ">=", 0.995,
@@ -103,15 +103,25 @@ set (`docs/formats/dictionary.md`).
 
 
 def read(path):
-    """The lines as (language, speakers, measure, rest)."""
+    """The lines as (language, speakers, measure, fields), and the indented tables below them as
+    (language, title, lines)."""
     lines = []
+    tables = []
     for line in open(path, encoding="utf-8"):
-        fields = line.rstrip("\n").split(" | ")
+        line = line.rstrip("\n")
+        if line.startswith("  ") and lines:
+            language, speakers, measure, _ = lines[-1]
+            title = f"{speakers}, {measure}"
+            if not tables or tables[-1][:2] != (language, title):
+                tables.append((language, title, []))
+            tables[-1][2].append(line[2:])
+            continue
+        fields = line.split(" | ")
         if len(fields) < 3:
             continue
         language, _, speakers = fields[0].partition(", ")
         lines.append((language, speakers, fields[1], fields[2:]))
-    return lines
+    return lines, tables
 
 
 def figure(match):
@@ -141,12 +151,16 @@ def targets(lines):
             if not match:
                 continue
             value, text = figure(match)
+            label = label.format(measure=measure)
             reached = value >= bound if sign == ">=" else value <= bound
             if not reached:
                 missed.append(f"{language}, {speakers}: {label} {text}")
             print(f"| {language} | {speakers} | {label} | {text} | {wanted(pattern, sign, bound)} | "
                   f"{'yes' if reached else '**no**'} |")
     print()
+    if not any(speakers.startswith("left-out") for _, speakers, _, _ in lines):
+        print("No models that were made without a flite voice were there to be measured; the figures of")
+        print("those made with the first English models are in `resources/MANIFEST`.\n")
     if missed:
         print("Not reached: " + "; ".join(missed) + ".\n")
     else:
@@ -279,7 +293,7 @@ def git(*arguments):
 
 
 def main():
-    lines = read(sys.argv[1])
+    lines, tables = read(sys.argv[1])
     commit = git("rev-parse", "--short", "HEAD")
     if git("status", "--porcelain", "resources", "training"):
         commit += " with changes"
@@ -289,6 +303,9 @@ def main():
     languages = list(dict.fromkeys(line[0] for line in lines))
     for language in languages:
         details(language, [line for line in lines if line[0] == language])
+        for _, title, table in [table for table in tables if table[0] == language]:
+            print(f"### {title[0].upper()}{title[1:]}\n")
+            print("```text\n" + "\n".join(table) + "\n```\n")
     commands()
 
 

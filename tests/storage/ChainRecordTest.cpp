@@ -112,7 +112,8 @@ void ExpectGraded(GradedAudio& audio, int result, const json& expected) {
       {"syl_timing", &GradedAudio::GetSyllableTimingScore},
       {"syl_intensity", &GradedAudio::GetSyllableIntensityScore}};
   for (const auto& [key, score] : of_syllables) {
-    EXPECT_EQ(list(syllables, [&](int i) { return (audio.*score)(i); }), expected[key]) << key;
+    EXPECT_EQ(list(syllables, [&, get = score](int i) { return (audio.*get)(i); }), expected[key])
+        << key;
   }
   const std::pair<const char*, int (GradedAudio::*)(int)> of_words[] = {
       {"word_pronun", &GradedAudio::GetWordPronunScore},
@@ -121,7 +122,8 @@ void ExpectGraded(GradedAudio& audio, int result, const json& expected) {
       {"word_intensity", &GradedAudio::GetWordIntensityScore},
       {"word_total", &GradedAudio::GetWordScore}};
   for (const auto& [key, score] : of_words) {
-    EXPECT_EQ(list(words, [&](int i) { return (audio.*score)(i); }), expected[key]) << key;
+    EXPECT_EQ(list(words, [&, get = score](int i) { return (audio.*get)(i); }), expected[key])
+        << key;
   }
   const std::pair<const char*, char (GradedAudio::*)(int)> advice[] = {
       {"pitch_advice", &GradedAudio::GetSyllablePitchAdvice},

@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <type_traits>
@@ -312,18 +311,21 @@ TEST_F(SavedAlignedAudioTest, LoadingDoesNotChangeTheLanguage) {
   EXPECT_EQ(audio.GetLanguageType(), kLanguageEnglish);
 }
 
-TEST_F(SavedAlignedAudioTest, CopiesAreIndependentAndOutliveTheFile) {
+TEST_F(SavedAlignedAudioTest, CopiesAreIndependentAndOutliveTheirSource) {
   AlignInfo info;
   info.num_samples = 1;
-  auto first = std::make_unique<SavedAlignedAudio>(kLanguageEnglish);
-  ASSERT_EQ(Load(*first, EncodeAlignInfo(info), L"FIRST"), 0);
-  SavedAlignedAudio copy(*first);
   SavedAlignedAudio assigned(kLanguageChinese);
-  assigned = *first;
-  info.num_samples = 2;
-  ASSERT_EQ(Load(*first, EncodeAlignInfo(info), L"SECOND"), 0);
-  EXPECT_EQ(first->GetNumOfSamples(), 2);
-  first.reset();
+  const auto copy_of_first = [&] {
+    SavedAlignedAudio first(kLanguageEnglish);
+    EXPECT_EQ(Load(first, EncodeAlignInfo(info), L"FIRST"), 0);
+    SavedAlignedAudio copy(first);
+    assigned = first;
+    info.num_samples = 2;
+    EXPECT_EQ(Load(first, EncodeAlignInfo(info), L"SECOND"), 0);
+    EXPECT_EQ(first.GetNumOfSamples(), 2);
+    return copy;
+  };
+  SavedAlignedAudio copy = copy_of_first();
   for (SavedAlignedAudio* audio : {&copy, &assigned}) {
     EXPECT_EQ(audio->GetNumOfSamples(), 1);
     EXPECT_EQ(audio->GetMatchedSentence(), L"FIRST");

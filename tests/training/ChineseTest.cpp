@@ -211,6 +211,16 @@ TEST(ChineseTexts, SaysWhatTheDictionaryHas) {
   EXPECT_THROW(Read({"abc"}), std::runtime_error);
 }
 
+TEST(ChineseTexts, AreSaidInOtherTones) {
+  const ChineseSentence sentence = WithSpokenTones(Read({"你好", ",", "老師"}), "4421");
+  EXPECT_EQ(sentence.tones, "3331");
+  EXPECT_EQ(sentence.spoken_tones, "4421");
+  std::string digits = sentence.pinyin;
+  std::erase_if(digits, [](char c) { return c < '1' || c > '5'; });
+  EXPECT_EQ(digits, "4421");
+  EXPECT_THROW(WithSpokenTones(sentence, "44"), std::runtime_error);
+}
+
 TEST(ChineseTexts, KnowEveryWordOfTheirTemplates) {
   const auto words = ChineseTemplateWords();
   EXPECT_GT(words.size(), 400u);

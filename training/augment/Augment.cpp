@@ -107,6 +107,20 @@ void AddNoise(std::vector<float>& signal, double colour, double rms, Random& ran
   for (std::size_t i = 0; i < signal.size(); ++i) signal[i] += gain * noise[i];
 }
 
+AugmentOptions StrongAugmentation(std::size_t number) {
+  AugmentOptions options;
+  options.warp_chance = 1.0;
+  options.warp_low = number % 2 == 0 ? 1.15 : 0.66;  // training has 0.74 to 1.12
+  options.warp_high = number % 2 == 0 ? 1.25 : 0.72;
+  options.reverb_chance = 1.0;
+  options.low_pass_chance = 0.0;
+  options.telephone_chance = 1.0;
+  options.telephone_low = options.telephone_high = 4000.0;
+  options.noise_chance = 1.0;
+  options.noise_low_db = options.noise_high_db = 10.0;
+  return options;
+}
+
 Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random& random) {
   std::vector<float> speech(clean.samples.begin(), clean.samples.end());
   double factor = 1.0;
@@ -134,12 +148,12 @@ Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random&
   if (kind < options.low_pass_chance) {
     cutoff = random.Uniform(7000.0, 8000.0);
   } else if (kind < options.low_pass_chance + options.telephone_chance) {
-    cutoff = random.Uniform(3800.0, 7000.0);
+    cutoff = random.Uniform(options.telephone_low, options.telephone_high);
   }
   Equalise(signal, gains, cutoff);
 
   if (random.Chance(options.noise_chance)) {
-    const double ratio_db = random.Uniform(8.0, 45.0);
+    const double ratio_db = random.Uniform(options.noise_low_db, options.noise_high_db);
     AddNoise(signal, random.Uniform(), speech_level * std::pow(10.0, -ratio_db / 20.0), random);
   }
 

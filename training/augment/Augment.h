@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -21,7 +22,15 @@ struct AugmentOptions {
   double telephone_chance = 0.1;  // 3.8 to 7 kHz
   double noise_chance = 0.8;      // white to brown, 8 to 45 dB below the speech
   double equaliser_db = 4.5;      // deviation of the nine points
+  double telephone_low = 3800.0;  // Hz
+  double telephone_high = 7000.0;
+  double noise_low_db = 8.0;
+  double noise_high_db = 45.0;
 };
+
+// Worse than anything in training, to see what holds up: a vocal tract beyond its range (every
+// second utterance a shorter one), a band of 4 kHz, reverb, noise at 10 dB.
+AugmentOptions StrongAugmentation(std::size_t number);
 
 Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random& random);
 

@@ -50,20 +50,6 @@ std::string FeedOf(const std::vector<JapaneseWord>& words, std::vector<JapaneseU
   return feed;
 }
 
-// The second half of a long vowel starts in its middle, also where a closure took of its end.
-void HalveLongVowels(Utterance& utterance, const std::vector<JapaneseUnit>& units) {
-  const std::vector<std::size_t> places = LabelsOfUnits(utterance.labels, units);
-  for (std::size_t u = 0; u < units.size(); ++u) {
-    if (units[u].symbols.size() != 2) continue;
-    const std::size_t label = places[u];
-    const std::int32_t end = label + 2 < utterance.labels.size()
-                                 ? utterance.labels[label + 2].start
-                                 : static_cast<std::int32_t>(utterance.samples.size());
-    const std::int32_t start = utterance.labels[label].start;
-    utterance.labels[label + 1].start = start + (end - start) / 2;
-  }
-}
-
 // espeak-ng's long vowels are hardly longer than its short ones: gives them the length, up to twice
 // their own, that people give them.
 void LengthenLongVowels(Utterance& utterance, const std::vector<JapaneseUnit>& units,

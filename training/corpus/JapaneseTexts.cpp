@@ -257,6 +257,26 @@ std::vector<JapaneseWord> JapaneseTexts::DrawHeldOut(Random& random) const {
   return Fill(random.Pick(kHeldOutTemplates), HeldOutVocabulary(), true, random);
 }
 
+std::string JapaneseTexts::WithOneWordChanged(const std::string& held_out_text, Random& random) {
+  Words words = Split(held_out_text);
+  std::vector<std::pair<std::size_t, const Words*>> changeable;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    for (const auto& [slot, choices] : HeldOutVocabulary()) {
+      if (std::ranges::find(choices, words[i]) != choices.end()) {
+        changeable.emplace_back(i, &choices);
+        break;
+      }
+    }
+  }
+  if (changeable.empty()) return held_out_text;
+  const auto [place, choices] = random.Pick(changeable);
+  const std::string old = words[place];
+  while (words[place] == old) words[place] = random.Pick(*choices);
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
 std::string TextOf(const std::vector<JapaneseWord>& words) {
   std::string text;
   for (const JapaneseWord& word : words) text += (text.empty() ? "" : " ") + word.text;

@@ -29,6 +29,9 @@ class JapaneseTexts {
   std::vector<JapaneseWord> Draw(Random& random) const;
   std::vector<JapaneseWord> DrawHeldOut(Random& random) const;
 
+  // The text of a held-out sentence with one content word changed for another of the same kind.
+  static std::string WithOneWordChanged(const std::string& held_out_text, Random& random);
+
   // All readings of a word, the usual one first; empty for an unknown word.
   const std::vector<JapaneseReading>& ReadingsOf(const std::string& word) const;
 

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "signal/CWaveFrameDef.h"
+#include "training/augment/Lengthen.h"
 #include "training/corpus/Utterance.h"
 #include "training/goodness/Judgement.h"
 #include "training/grading/SenseSentences.h"
+#include "training/speech/JapaneseEvents.h"
 
 namespace veral3::training {
 namespace {
@@ -65,7 +69,7 @@ std::string_view NameOf(SenseFault fault) {
     case SenseFault::kTones:
       return "other tones";
     case SenseFault::kShortVowels:
-      return "shortened long vowels";
+      return "a shortened long vowel";
   }
   return "";
 }
@@ -106,6 +110,32 @@ std::vector<SenseFault> SenseReadings::Faults() const {
   return faults;
 }
 
+std::vector<std::int16_t> SenseReadings::SpeakOnce(const std::string& spoken) const {
+  if (m_language != kLanguageJapanese) return m_espeak.Speak(spoken).samples;
+  std::vector<JapaneseUnit> units;
+  std::istringstream words(spoken);
+  for (std::string word; words >> word;) {
+    const auto own = JapaneseUnits({word, {0}});
+    units.insert(units.end(), own.begin(), own.end());
+  }
+  SpokenText speech = m_espeak.Speak("[[" + JapaneseFeed(units) + "]]");
+  const auto labels =
+      JapaneseLabels(speech.events, units, static_cast<std::int32_t>(speech.samples.size()));
+  const auto places = LabelsOfUnits(labels, units);
+  // The synthesiser's long vowels are hardly longer than its short ones: made twice as long, from
+  // the last to the first, so that the labels before stay true.
+  for (std::size_t u = units.size(); u-- > 0;) {
+    if (units[u].symbols.size() != 2) continue;
+    const std::size_t next = places[u] + 2;
+    const std::int32_t start = labels[places[u]].start;
+    const std::int32_t end = next < labels.size()
+                                 ? labels[next].start
+                                 : static_cast<std::int32_t>(speech.samples.size());
+    Lengthen(speech.samples, start, end, end - start);
+  }
+  return std::move(speech.samples);
+}
+
 std::vector<std::int16_t> SenseReadings::Speak(std::size_t sentence, std::size_t voice,
                                                SenseFault fault) const {
   const SenseSentence& right = m_sentences[sentence];
@@ -127,7 +157,7 @@ std::vector<std::int16_t> SenseReadings::Speak(std::size_t sentence, std::size_t
                      .pitch = pitch,
                      .range = fault == SenseFault::kFlat ? 0 : range,
                      .word_gap = 0});
-  Samples samples = m_espeak.Speak(spoken).samples;
+  Samples samples = SpeakOnce(spoken);
   samples.insert(samples.begin(), SamplesOf(0.2), 0);
   samples.insert(samples.end(), SamplesOf(0.2), 0);
   if (fault != SenseFault::kPause) return samples;

@@ -28,7 +28,7 @@ enum class SenseFault {
   kPause,          // 0.9 s of silence before a word in the middle
   kOtherSentence,  // another sentence is read
   kTones,          // Chinese: every tone is another
-  kShortVowels,    // Japanese: long vowels are short
+  kShortVowels,    // Japanese: a long vowel is short
 };
 
 std::string_view NameOf(SenseFault fault);  // "flat pitch"
@@ -62,6 +62,8 @@ class SenseReadings {
   std::vector<std::int16_t> Speak(std::size_t sentence, std::size_t voice, SenseFault fault) const;
 
  private:
+  std::vector<std::int16_t> SpeakOnce(const std::string& spoken) const;
+
   LanguageType m_language;
   std::span<const SenseSentence> m_sentences;
   EspeakSpeech& m_espeak;

@@ -1,13 +1,7 @@
 #include "training/grading/SenseSentences.h"
 
-#include <algorithm>
 #include <stdexcept>
-#include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
-
-#include "training/speech/JapaneseEvents.h"
 
 namespace veral3::training {
 namespace {
@@ -57,40 +51,22 @@ const std::vector<SenseSentence>& Chinese() {
   return sentences;
 }
 
-// Pronunciations in phonemes of the set, words apart by blanks.
-std::string JapaneseSpoken(std::string_view words) {
-  std::vector<JapaneseUnit> units;
-  while (!words.empty()) {
-    const std::size_t length = std::min(words.find(' '), words.size());
-    const auto word = JapaneseUnits({std::string(words.substr(0, length)), {0}});
-    units.insert(units.end(), word.begin(), word.end());
-    words.remove_prefix(std::min(length + 1, words.size()));
-  }
-  return "[[" + JapaneseFeed(units) + "]]";
-}
-
-SenseSentence JapaneseSentence(std::string text, std::string_view right,
-                               std::string_view consonants, std::string_view short_vowels) {
-  return {std::move(text), JapaneseSpoken(right), JapaneseSpoken(consonants), "",
-          JapaneseSpoken(short_vowels)};
-}
-
+// Phonemes of the dictionary's notation; one long vowel of each sentence is short in the fault.
 const std::vector<SenseSentence>& Japanese() {
   static const std::vector<SenseSentence> sentences = {
-      JapaneseSentence("学校 へ 行き ます", "gakkoo e iki masu", "takkoo e ibi nazu",
-                       "gakko e iki masu"),
-      JapaneseSentence("おばあさん は 東京 に い ます", "obaasaN wa tookjoo ni i masu",
-                       "odaazaN ma kookjoo mi i nasu", "obasaN wa tokjo ni i masu"),
-      JapaneseSentence("先生 は 病院 です", "seNsee wa bjooiN desu", "zeNtee ma mjooiN besu",
-                       "seNse wa bjoiN desu"),
-      JapaneseSentence("コーヒー を 飲み ます", "koocii o nomi masu", "toosii o mogi nasu",
-                       "koci o nomi masu"),
-      JapaneseSentence("空港 で 電話 を 待つ", "kuukoo de deNwa o maXu", "tuupoo be geNma o naXu",
-                       "kuko de deNwa o maXu"),
-      JapaneseSentence("お父さん は 牛乳 を 飲み ます", "otoosaN wa gjuunjuu o nomi masu",
-                       "okoozaN ma bjuumjuu o mobi nasu", "otosaN wa gjunju o nomi masu"),
-      JapaneseSentence("高校 の 前 で 勉強 する", "kookoo no mae de beNkjoo suru",
-                       "toopoo mo nae ge meNpjoo zuru", "koko no mae de beNkjo suru"),
+      {"学校 へ 行き ます", "gakkoo e iki masu", "takkoo e ibi nazu", "", "gakko e iki masu"},
+      {"おばあさん は 東京 に い ます", "obaasaN wa tookjoo ni i masu",
+       "odaazaN ma kookjoo mi i nasu", "", "obaasaN wa tokjoo ni i masu"},
+      {"先生 は 病院 です", "seNsee wa bjooiN desu", "zeNtee ma mjooiN besu", "",
+       "seNse wa bjooiN desu"},
+      {"コーヒー を 飲み ます", "koocii o nomi masu", "toosii o mogi nasu", "",
+       "kocii o nomi masu"},
+      {"空港 で 電話 を 待つ", "kuukoo de deNwa o maXu", "tuupoo be geNma o naXu", "",
+       "kukoo de deNwa o maXu"},
+      {"お父さん は 牛乳 を 飲み ます", "otoosaN wa gjuunjuu o nomi masu",
+       "okoozaN ma bjuumjuu o mobi nasu", "", "otoosaN wa gjuunju o nomi masu"},
+      {"高校 の 前 で 勉強 する", "kookoo no mae de beNkjoo suru", "toopoo mo nae ge meNpjoo zuru",
+       "", "kookoo no mae de beNkjo suru"},
   };
   return sentences;
 }

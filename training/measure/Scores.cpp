@@ -83,7 +83,7 @@ double AreaUnderCurve(std::span<const double> higher, std::span<const double> lo
   std::ranges::sort(sorted);
   double wins = 0.0;
   for (const double value : higher) {
-    const auto [first, last] = std::ranges::equal_range(sorted, value);
+    const auto [first, last] = std::equal_range(sorted.begin(), sorted.end(), value);
     wins += static_cast<double>(first - sorted.begin()) + 0.5 * static_cast<double>(last - first);
   }
   return wins / (static_cast<double>(higher.size()) * static_cast<double>(lower.size()));

@@ -3,6 +3,9 @@
 //
 //   evaluate-models --frame-model resources/EnglishFrame.model --dictionary resources/KEN-...txt
 //       --corpus work/held.corpus --name "held-out espeak"
+//
+// With --strong, what is called augmented is worse than anything in training: how well does it
+// hold?
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -16,6 +19,7 @@
 #include <vector>
 
 #include "common/Messages.h"
+#include "grading/PhonProbGrader.h"
 #include "recognition/CPhonemeSet.h"
 #include "recognition/FrameScores.h"
 #include "recognition/Models.h"
@@ -27,12 +31,11 @@
 #include "training/augment/Augment.h"
 #include "training/common/ParallelFor.h"
 #include "training/corpus/CorpusFile.h"
-#include "training/corpus/EnglishTexts.h"
-#include "training/corpus/PhonemeBalance.h"
+#include "training/corpus/HeldOutTexts.h"
 #include "training/features/UtteranceFeatures.h"
 #include "training/measure/ForcedAlignment.h"
+#include "training/measure/PhonemeScores.h"
 #include "training/measure/Scores.h"
-#include "training/train/PhonemeSource.h"
 
 namespace veral3::training {
 namespace {
@@ -47,6 +50,7 @@ struct Options {
   int threads = 2;
   int trials = 80;  // of sentence choice
   std::uint64_t seed = 5;
+  bool strong = false;
 };
 
 class Evaluation {
@@ -55,7 +59,9 @@ class Evaluation {
     CorpusReader reader(options.corpus);
     while (auto utterance = reader.Next()) {
       Random random(MixSeed(options.seed, m_clean.size()));
-      m_augmented.push_back(Augment(*utterance, AugmentOptions{}, random));
+      const AugmentOptions augment =
+          options.strong ? StrongAugmentation(m_clean.size()) : AugmentOptions{};
+      m_augmented.push_back(Augment(*utterance, augment, random));
       m_clean.push_back(*std::move(utterance));
     }
   }
@@ -84,7 +90,7 @@ class Evaluation {
       all.Merge(own);
       speech.Merge(own_speech);
     });
-    Print("frame phoneme accuracy, augmented", all, "frames");
+    Print("frame phoneme accuracy, " + Kind(true), all, "frames");
     Print("the same without pauses", speech, "frames");
   }
 
@@ -109,8 +115,7 @@ class Evaluation {
       const std::lock_guard guard(lock);
       counts.Merge(own);
     });
-    Print(augmented ? "aligned phonemes by frames, augmented" : "aligned phonemes by frames, clean",
-          counts, "phonemes");
+    Print("aligned phonemes by frames, " + Kind(augmented), counts, "phonemes");
   }
 
   // The phoneme classifier on phonemes aligned to their own labels.
@@ -123,14 +128,12 @@ class Evaluation {
       if (!result) return;
       ClassCounts own(m_set.GetSize());
       for (std::size_t p = 0; p < result->phonemes.size(); ++p) {
-        own.Add(m_set.GetPhonemeIndex(result->phonemes[p]), Distribution(*result, p));
+        own.Add(m_set.GetPhonemeIndex(result->phonemes[p]), PhonemeDistribution(m_set, *result, p));
       }
       const std::lock_guard guard(lock);
       counts.Merge(own);
     });
-    Print(augmented ? "aligned phonemes by the phoneme model, augmented"
-                    : "aligned phonemes by the phoneme model, clean",
-          counts, "phonemes");
+    Print("aligned phonemes by the phoneme model, " + Kind(augmented), counts, "phonemes");
   }
 
   // Every sixth phoneme or so is said to be another of its kind, and the recording is aligned to
@@ -143,14 +146,7 @@ class Evaluation {
     std::mutex lock;
     ParallelFor(utterances.size(), m_options.threads, [&](std::size_t i) {
       Random random(MixSeed(m_options.seed + 2000, i));
-      Utterance changed = utterances[i];
-      std::vector<char> is_changed;
-      for (PhonemeLabel& label : changed.labels) {
-        if (label.symbol == '-') continue;
-        const bool change = random.Chance(1.0 / 6) && (is_changed.empty() || !is_changed.back());
-        if (change) label.symbol = AnotherOfItsKind(label.symbol, random);
-        is_changed.push_back(change);
-      }
+      const auto [changed, is_changed] = WithSubstitutions(m_set, utterances[i], random);
       const auto result = AlignToLabels(changed, m_set);
       if (!result) return;
       const std::lock_guard guard(lock);
@@ -165,7 +161,7 @@ class Evaluation {
     std::printf(
         "%s | substituted phonemes, %s | area under curve %.4f | right ones under 60 %.4f | "
         "%zu right, %zu wrong\n",
-        m_options.name.c_str(), augmented ? "augmented" : "clean", AreaUnderCurve(right, wrong),
+        m_options.name.c_str(), Kind(augmented).c_str(), AreaUnderCurve(right, wrong),
         static_cast<double>(alarms) / static_cast<double>(right.size()), right.size(),
         wrong.size());
   }
@@ -197,7 +193,8 @@ class Evaluation {
   // Which of eight sentences was read: the right one and seven others.
   void SentenceChoice(bool one_word_changed) const {
     const VeralDictionary dictionary(m_options.dictionary.c_str());
-    const EnglishTexts texts({});
+    const auto texts =
+        HeldOutTextsOf(static_cast<LanguageType>(m_options.language), m_options.dictionary);
     const auto trials = std::min(static_cast<std::size_t>(m_options.trials), m_augmented.size());
     std::vector<char> right(trials, 0);
     std::vector<char> tried(trials, 0);
@@ -209,8 +206,8 @@ class Evaluation {
       while (candidates.size() < 8) {
         std::string text = utterance.text;
         if (static_cast<int>(candidates.size()) != place) {
-          text = one_word_changed ? EnglishTexts::WithOneWordChanged(utterance.text, random)
-                                  : texts.DrawHeldOut(random);
+          text = one_word_changed ? texts->WithOneWordChanged(utterance.text, random)
+                                  : texts->Draw(random);
           if (text == utterance.text || std::ranges::find(candidates, text) != candidates.end()) {
             continue;
           }
@@ -230,44 +227,21 @@ class Evaluation {
       right[i] = aligner.Align(&m_set, static_cast<std::uint32_t>(samples.size()), samples.data(),
                                result) == place;
     });
-    std::printf("%s | right sentence of 8, %s | %td of %td\n", m_options.name.c_str(),
-                one_word_changed ? "one word changed" : "unrelated", std::ranges::count(right, 1),
+    std::printf("%s | right sentence of 8, %s%s | %td of %td\n", m_options.name.c_str(),
+                one_word_changed ? "one word changed" : "unrelated",
+                m_options.strong ? ", strongly augmented" : "", std::ranges::count(right, 1),
                 std::ranges::count(tried, 1));
   }
 
  private:
-  std::vector<double> Distribution(const AlignmentResult& result, std::size_t phoneme) const {
-    std::vector<float> input(kPhonemeOffsets.size() * kMfccSize);
-    AssemblePhonemeInput(result.mfcc, FrameOfSample(result.phoneme_start[phoneme]),
-                         FrameOfSample(result.phoneme_end[phoneme]), input);
-    std::vector<double> output(static_cast<std::size_t>(m_set.GetSize()));
-    PhonClassifierOf(m_set.GetIdentifier())
-        ->ClassifyPhon(input.data(), static_cast<int>(input.size()), output.data(),
-                       m_set.GetSize());
-    return output;
-  }
-
   // As grading scores a phoneme, but not cut off at 0 and 100.
   double Score(const AlignmentResult& result, std::size_t phoneme) const {
-    const char symbol = result.phonemes[phoneme];
-    double x =
-        Distribution(result, phoneme)[static_cast<std::size_t>(m_set.GetPhonemeIndex(symbol))];
-    for (const auto& [other, normaliser] :
-         PhonemeFrequencies(static_cast<LanguageType>(m_options.language))) {
-      if (other == symbol && normaliser < 1.0) x /= normaliser * normaliser;
-    }
+    const auto symbol = static_cast<std::size_t>(m_set.GetPhonemeIndex(result.phonemes[phoneme]));
+    double x = PhonemeDistribution(m_set, result, phoneme)[symbol];
+    const double normaliser =
+        PhonemeNormalisersOf(static_cast<LanguageType>(m_options.language))[symbol];
+    if (normaliser < 1.0) x /= normaliser * normaliser;
     return 100.0 + 25.0 * std::log10(std::max(x, 1e-12));
-  }
-
-  char AnotherOfItsKind(char symbol, Random& random) const {
-    const bool vowel = m_set.IsVowel(static_cast<wchar_t>(symbol));
-    for (;;) {
-      const char other =
-          m_set.GetFullSet()[random.Below(static_cast<std::size_t>(m_set.GetSize()))];
-      if (other != '-' && other != symbol && m_set.IsVowel(static_cast<wchar_t>(other)) == vowel) {
-        return other;
-      }
-    }
   }
 
   std::vector<double> PhonemeSums(std::span<const double> states) const {
@@ -278,10 +252,15 @@ class Evaluation {
     return sums;
   }
 
-  void Print(const char* what, const ClassCounts& counts, const char* unit) const {
+  std::string Kind(bool augmented) const {
+    if (!augmented) return "clean";
+    return m_options.strong ? "strongly augmented" : "augmented";
+  }
+
+  void Print(const std::string& what, const ClassCounts& counts, const char* unit) const {
     std::printf("%s | %s | top-1 %.4f | top-3 %.4f | macro F1 %.4f | %zu %s\n",
-                m_options.name.c_str(), what, counts.TopOne(), counts.TopThree(), counts.MacroF1(),
-                counts.Total(), unit);
+                m_options.name.c_str(), what.c_str(), counts.TopOne(), counts.TopThree(),
+                counts.MacroF1(), counts.Total(), unit);
     std::fflush(stdout);
   }
 
@@ -302,8 +281,10 @@ void Run(const Options& options) {
   const Evaluation evaluation(options, *set);
   evaluation.Frames();
   evaluation.AlignedPhonemes(true);
-  evaluation.AlignedPhonemes(false);
-  evaluation.Boundaries();
+  if (!options.strong) {
+    evaluation.AlignedPhonemes(false);
+    evaluation.Boundaries();
+  }
   if (!options.phoneme_model.empty()) {
     const int phoneme_type = kPhonemeModelEnglish + options.language - kLanguageEnglish;
     if (LoadModelFile(options.phoneme_model.c_str(), static_cast<ModelFileType>(phoneme_type)) <
@@ -311,8 +292,10 @@ void Run(const Options& options) {
       throw std::runtime_error("cannot load " + options.phoneme_model);
     }
     evaluation.ClassifiedPhonemes(true);
-    evaluation.ClassifiedPhonemes(false);
-    evaluation.Substitutions(false);
+    if (!options.strong) {
+      evaluation.ClassifiedPhonemes(false);
+      evaluation.Substitutions(false);
+    }
     evaluation.Substitutions(true);
   }
   if (!options.dictionary.empty()) {
@@ -335,6 +318,7 @@ int main(int argc, char** argv) {
   app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--trials", options.trials, "recordings for the choice of sentences");
+  app.add_flag("--strong", options.strong, "augment beyond what training had");
   CLI11_PARSE(app, argc, argv);
   try {
     veral3::training::Run(options);

@@ -43,8 +43,7 @@ std::string WithoutPauses(std::string_view phonemes) {
 }
 
 std::string RepeatsMerged(std::string phonemes) {
-  const auto rest = std::ranges::unique(phonemes);
-  phonemes.erase(rest.begin(), rest.end());
+  phonemes.erase(std::unique(phonemes.begin(), phonemes.end()), phonemes.end());
   return phonemes;
 }
 

@@ -29,6 +29,7 @@
 #include "training/common/ParallelFor.h"
 #include "training/corpus/ChineseTexts.h"
 #include "training/corpus/ChineseVoices.h"
+#include "training/corpus/CorpusFile.h"
 #include "training/features/ToneExamples.h"
 #include "training/measure/ForcedAlignment.h"
 #include "training/measure/Scores.h"
@@ -37,8 +38,10 @@ namespace veral3::training {
 namespace {
 
 struct Options {
-  std::string model;
-  std::string words;
+  std::string name = "Chinese, held-out espeak";
+  std::string model = "resources/ChineseTone.model";
+  std::string words = "resources/KCN-UTF8Order.txt";
+  std::string corpus;
   std::string frame_model;  // empty: syllables where the synthesiser put them
   int count = 500;
   std::uint64_t seed = 1;
@@ -120,6 +123,14 @@ class ToneEvaluation {
     }
   }
 
+  // How many tones of a corpus are right.
+  void Corpus(const std::string& path) const {
+    CorpusReader reader(path);
+    std::vector<Utterance> utterances;
+    while (auto utterance = reader.Next()) utterances.push_back(*std::move(utterance));
+    Report("recordings of the corpus", utterances, ClassifyAll(utterances, false));
+  }
+
   // Share of right tones.
   double Accuracy() {
     m_right_tones = ClassifyAll(m_right, false);
@@ -156,24 +167,25 @@ class ToneEvaluation {
         right_sum += m_right_tones[i][s][wanted];
         flat_sum += flat[i][s][wanted];
         const ToneProbabilities& tutor = m_right_tones[i][s];
-        // Another voice's reading of the same class stands for a right learner.
+        // The same voice, but among other tones.
         grade(changed ? 1 : 0, tutor, swapped[i][s]);
         grade(2, tutor, flat[i][s]);
       }
       right_utterances.push_back(right_sum / static_cast<double>(tones.size()));
       flat_utterances.push_back(flat_sum / static_cast<double>(tones.size()));
     }
+    const char* name = m_options.name.c_str();
     std::printf(
-        "swapped tones: %zu of %zu syllables; area under curve of the right tone's "
-        "probability %.4f\n",
-        wrong_syllables.size(), wrong_syllables.size() + right_syllables.size(),
+        "%s | swapped tones | %zu of %zu syllables, area under curve of the probability of "
+        "the tone that should be there %.4f\n",
+        name, wrong_syllables.size(), wrong_syllables.size() + right_syllables.size(),
         AreaUnderCurve(right_syllables, wrong_syllables));
-    std::printf("flat readings: area under curve of an utterance's mean probability %.4f\n",
-                AreaUnderCurve(right_utterances, flat_utterances));
+    std::printf("%s | flat readings | area under curve of an utterance's mean probability %.4f\n",
+                name, AreaUnderCurve(right_utterances, flat_utterances));
     std::printf(
-        "mean grade against the right reading: syllables kept %.1f, swapped %.1f, flat "
-        "%.1f\n",
-        grade_sum[0] / grade_count[0], grade_sum[1] / std::max(grade_count[1], 1),
+        "%s | grade of a syllable against the right reading | right tone %.1f, swapped %.1f, "
+        "flat %.1f\n",
+        name, grade_sum[0] / grade_count[0], grade_sum[1] / std::max(grade_count[1], 1),
         grade_sum[2] / grade_count[2]);
   }
 
@@ -207,8 +219,8 @@ class ToneEvaluation {
     return tones;
   }
 
-  static double Report(const char* what, const std::vector<Utterance>& utterances,
-                       const std::vector<std::vector<ToneProbabilities>>& tones) {
+  double Report(const char* what, const std::vector<Utterance>& utterances,
+                const std::vector<std::vector<ToneProbabilities>>& tones) const {
     ClassCounts counts(kToneClassCount);
     std::array<std::array<int, kToneClassCount + 1>, kToneClassCount> confusion{};
     for (std::size_t i = 0; i < utterances.size(); ++i) {
@@ -225,8 +237,8 @@ class ToneEvaluation {
         counts.Add(truth, scores);
       }
     }
-    std::printf("tones, %s: %zu syllables, right %.4f, macro F1 %.4f\n", what, counts.Total(),
-                counts.TopOne(), counts.MacroF1());
+    std::printf("%s | tones, %s | %zu syllables, right %.4f, macro F1 %.4f\n",
+                m_options.name.c_str(), what, counts.Total(), counts.TopOne(), counts.MacroF1());
     std::printf("  spoken     as:  neutral       1       2       3       4  not classified\n");
     for (std::size_t truth = 0; truth < confusion.size(); ++truth) {
       std::printf("  %-13s", kClassNames[truth]);
@@ -262,6 +274,7 @@ void Run(const Options& options) {
   ToneEvaluation evaluation(options);
   evaluation.Speak();
   const double right = evaluation.Accuracy();
+  if (!options.corpus.empty()) evaluation.Corpus(options.corpus);
   evaluation.Detection();
   if (right < options.at_least) throw std::runtime_error("too few tones are right");
 }
@@ -272,8 +285,10 @@ void Run(const Options& options) {
 int main(int argc, char** argv) {
   veral3::training::Options options;
   CLI::App app("Measures a tone model on held-out synthesised voices.");
-  app.add_option("--model", options.model, "tone model")->required();
-  app.add_option("--words", options.words, "Chinese dictionary")->required();
+  app.add_option("--name", options.name, "what the lines begin with");
+  app.add_option("--model", options.model, "tone model");
+  app.add_option("--words", options.words, "Chinese dictionary");
+  app.add_option("--corpus", options.corpus, "recordings to measure on besides");
   app.add_option("--frame-model", options.frame_model, "place syllables by alignment with it");
   app.add_option("--count", options.count, "sentences");
   app.add_option("--seed", options.seed, "other sentences and voices");

@@ -1,31 +1,35 @@
-// Writes the recordings of examples/audio: three English sentences by voices that no model was
-// trained on, each as a WAV file with its text and phoneme times in a JSON file beside it.
+// Writes the recordings of examples/audio, by voices that no model was trained on, each as a WAV
+// file with its text and phoneme times in a JSON file beside it: three English sentences; a Chinese
+// and a Japanese one, each by a tutor and by a learner who makes one known mistake.
 //
-//   make-examples examples/audio
+//   make-examples --resources resources examples/audio
 
 #include <sndfile.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "signal/CWaveFrameDef.h"
+#include "training/common/Random.h"
+#include "training/corpus/ChineseTexts.h"
+#include "training/corpus/ChineseVoices.h"
 #include "training/corpus/Utterance.h"
 #include "training/speech/EnglishEvents.h"
 #include "training/speech/EspeakSpeech.h"
+#include "training/speech/JapaneseEvents.h"
+#include "training/speech/LabelledSpeech.h"
 
 namespace veral3::training {
 namespace {
-
-struct Example {
-  const char* name;
-  const char* text;
-  EspeakVoice voice;
-};
 
 void WriteWav(const std::filesystem::path& path, const std::vector<std::int16_t>& samples) {
   SF_INFO info{};
@@ -39,47 +43,128 @@ void WriteWav(const std::filesystem::path& path, const std::vector<std::int16_t>
   if (sf_close(file) != 0 || !whole) throw std::runtime_error("cannot write " + path.string());
 }
 
-void Run(const std::filesystem::path& folder) {
+void WriteExample(const std::filesystem::path& folder, const std::string& name,
+                  const char* language, const std::string& mistake, const Utterance& utterance) {
+  nlohmann::ordered_json json = {{"text", utterance.text},
+                                 {"language", language},
+                                 {"voice", "espeak-ng " + utterance.voice},
+                                 {"sample_rate", kSampleRate},
+                                 {"num_samples", utterance.samples.size()}};
+  if (!mistake.empty()) json["mistake"] = mistake;
+  json["phonemes"] = nlohmann::ordered_json::array();
+  for (const PhonemeLabel& label : utterance.labels) {
+    json["phonemes"].push_back(
+        {{"symbol", std::string(1, label.symbol)}, {"start_sample", label.start}});
+  }
+  WriteWav(folder / (name + ".wav"), utterance.samples);
+  std::ofstream file(folder / (name + ".json"));
+  file << json.dump(1) << "\n";
+  if (!file) throw std::runtime_error("cannot write into " + folder.string());
+}
+
+void WriteEnglish(const std::filesystem::path& folder, EspeakSpeech& espeak) {
+  struct Example {
+    const char* name;
+    const char* text;
+    EspeakVoice voice;
+  };
   const Example examples[] = {
       {"english-train", "please call me when the train arrives", {"en-us+f4", 145, 55, 55, 0}},
       {"english-weather", "the weather is lovely this morning", {"en-us+m4", 150, 45, 50, 0}},
       {"english-bread", "she sells fresh bread near the river", {"en-us+linda", 140, 50, 60, 0}},
   };
-  std::filesystem::create_directories(folder);
-  EspeakSpeech espeak;
   for (const Example& example : examples) {
     espeak.SetVoice(example.voice);
-    const SpokenText spoken = espeak.Speak(example.text);
-    auto labels = LabelsFromEvents(spoken.events, EnglishEventTable(EnglishAccent::kAmerican),
-                                   static_cast<std::int32_t>(spoken.samples.size()));
-    TakeClosures(labels, spoken.samples, kEnglishStops);
-    nlohmann::ordered_json json = {{"text", example.text},
-                                   {"language", "English"},
-                                   {"voice", "espeak-ng " + example.voice.name},
-                                   {"sample_rate", kSampleRate},
-                                   {"num_samples", spoken.samples.size()},
-                                   {"phonemes", nlohmann::ordered_json::array()}};
-    for (const PhonemeLabel& label : labels) {
-      json["phonemes"].push_back(
-          {{"symbol", std::string(1, label.symbol)}, {"start_sample", label.start}});
-    }
-    WriteWav(folder / (std::string(example.name) + ".wav"), spoken.samples);
-    std::ofstream file(folder / (std::string(example.name) + ".json"));
-    file << json.dump(1) << "\n";
-    if (!file) throw std::runtime_error("cannot write into " + folder.string());
+    Utterance utterance =
+        LabelledSpeech(example.text, example.voice.name, espeak.Speak(example.text),
+                       EnglishEventTable(EnglishAccent::kAmerican));
+    TakeClosures(utterance.labels, utterance.samples, kEnglishStops);
+    WriteExample(folder, example.name, "English", "", utterance);
   }
+}
+
+// "Today's tea is too hot": the learner says the last word, re, with the second tone instead of the
+// fourth.
+void WriteChinese(const std::filesystem::path& folder, const std::string& dictionary,
+                  EspeakSpeech& espeak) {
+  const ChineseTexts texts(dictionary);
+  const std::vector<std::string> words = {"今天", "的", "茶", "太", "熱"};
+  Random random(1);
+  ChineseSentence sentence = texts.Read(words, random);
+  const EspeakVoice tutor = {"cmn-latn-pinyin+f4", 140, 75, 100, 0};
+  Utterance utterance = SpeakChinese(espeak, tutor, sentence);
+  utterance.voice = tutor.name;
+  WriteExample(folder, "chinese-tutor", "Chinese", "", utterance);
+
+  const std::size_t last = sentence.pinyin.rfind('4');
+  if (last == std::string::npos || sentence.spoken_tones.back() != '4') {
+    throw std::runtime_error("the Chinese example has lost its last tone");
+  }
+  sentence.pinyin[last] = '2';
+  sentence.spoken_tones.back() = '2';
+  const EspeakVoice learner = {"cmn-latn-pinyin+linda", 125, 80, 100, 0};
+  utterance = SpeakChinese(espeak, learner, sentence);
+  utterance.voice = learner.name;
+  WriteExample(folder, "chinese-learner", "Chinese",
+               "the last syllable has the second tone, not the fourth", utterance);
+}
+
+Utterance SpeakJapanese(EspeakSpeech& espeak, const EspeakVoice& voice, const std::string& text,
+                        std::span<const JapaneseReading> readings) {
+  std::vector<JapaneseUnit> units;
+  for (const JapaneseReading& reading : readings) {
+    const std::vector<JapaneseUnit> own = JapaneseUnits(reading);
+    units.insert(units.end(), own.begin(), own.end());
+  }
+  espeak.SetVoice(voice);
+  SpokenText spoken = espeak.Speak("[[" + JapaneseFeed(units) + "]]");
+  Utterance utterance;
+  utterance.text = text;
+  utterance.voice = voice.name;
+  utterance.labels =
+      JapaneseLabels(spoken.events, units, static_cast<std::int32_t>(spoken.samples.size()));
+  utterance.samples = std::move(spoken.samples);
+  TakeClosures(utterance.labels, utterance.samples, kJapaneseStops);
+  HalveLongVowels(utterance, units);
+  return utterance;
+}
+
+// "Grandfather is a teacher at the school": the learner says uncle, ojisan for ojiisan.
+void WriteJapanese(const std::filesystem::path& folder, EspeakSpeech& espeak) {
+  const std::string text = "おじいさん は 学校 の 先生 です";
+  std::vector<JapaneseReading> readings = {{"oZiisaN", {0, 1, 4}}, {"wa", {0}},
+                                           {"gakkoo", {0, 3}},     {"no", {0}},
+                                           {"seNsee", {0, 3}},     {"desu", {0, 2}}};
+  const EspeakVoice tutor = {"ja+f4", 135, 60, 60, 0};
+  WriteExample(folder, "japanese-tutor", "Japanese", "",
+               SpeakJapanese(espeak, tutor, text, readings));
+  readings[0] = {"oZisaN", {0, 1, 3}};
+  const EspeakVoice learner = {"ja+Michael", 125, 50, 60, 0};
+  WriteExample(folder, "japanese-learner", "Japanese",
+               "the long vowel of the first word is short: uncle for grandfather",
+               SpeakJapanese(espeak, learner, text, readings));
+}
+
+void Run(const std::filesystem::path& resources, const std::filesystem::path& folder) {
+  std::filesystem::create_directories(folder);
+  EspeakSpeech espeak;
+  WriteEnglish(folder, espeak);
+  WriteChinese(folder, resources / "KCN-UTF8Order.txt", espeak);
+  WriteJapanese(folder, espeak);
 }
 
 }  // namespace
 }  // namespace veral3::training
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: make-examples FOLDER\n");
-    return 2;
-  }
+  std::string resources = "resources";
+  std::string folder;
+  CLI::App app("Writes the recordings of examples/audio.");
+  app.add_option("--resources", resources, "folder of the dictionaries");
+  app.add_option("folder", folder, "folder to write into")->required();
+  CLI11_PARSE(app, argc, argv);
   try {
-    veral3::training::Run(argv[1]);
+    veral3::training::Run(resources, folder);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make-examples: %s\n", error.what());
     return 1;

@@ -33,18 +33,28 @@ bool VariantExists(const std::string& variant) {
   return std::filesystem::exists(std::filesystem::path(data) / "voices" / "!v" / variant);
 }
 
+// espeak-ng from the first use to the end of the process: started a second time it may wait for
+// itself for ever.
+struct Process {
+  Process()
+      : rate(espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, 0, nullptr,
+                               espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_DONT_EXIT)) {}
+  ~Process() { espeak_Terminate(); }
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  int rate;
+};
+
 }  // namespace
 
 EspeakSpeech::EspeakSpeech() {
-  const int rate = espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, 0, nullptr,
-                                     espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_DONT_EXIT);
-  if (rate != kSampleRate) {
+  static const Process process;
+  if (process.rate != kSampleRate) {
     throw std::runtime_error("espeak-ng did not start at 22050 Hz; is espeak-ng-data installed?");
   }
   espeak_SetSynthCallback(Receive);
 }
-
-EspeakSpeech::~EspeakSpeech() { espeak_Terminate(); }
 
 void EspeakSpeech::SetVoice(const EspeakVoice& voice) {
   const auto plus = voice.name.find('+');

@@ -149,4 +149,17 @@ std::vector<std::size_t> LabelsOfUnits(std::span<const PhonemeLabel> labels,
   return places;
 }
 
+void HalveLongVowels(Utterance& utterance, std::span<const JapaneseUnit> units) {
+  const std::vector<std::size_t> places = LabelsOfUnits(utterance.labels, units);
+  for (std::size_t u = 0; u < units.size(); ++u) {
+    if (units[u].symbols.size() != 2) continue;
+    const std::size_t label = places[u];
+    const std::int32_t end = label + 2 < utterance.labels.size()
+                                 ? utterance.labels[label + 2].start
+                                 : static_cast<std::int32_t>(utterance.samples.size());
+    const std::int32_t start = utterance.labels[label].start;
+    utterance.labels[label + 1].start = start + (end - start) / 2;
+  }
+}
+
 }  // namespace veral3::training

@@ -49,6 +49,9 @@ std::vector<PhonemeLabel> JapaneseLabels(std::span<const PhonemeEvent> events,
 std::vector<std::size_t> LabelsOfUnits(std::span<const PhonemeLabel> labels,
                                        std::span<const JapaneseUnit> units);
 
+// Puts the start of a long vowel's second half in its middle: a closure may have taken of its end.
+void HalveLongVowels(Utterance& utterance, std::span<const JapaneseUnit> units);
+
 // Phonemes whose closure espeak-ng leaves with the phoneme before.
 inline constexpr std::string_view kJapaneseStops = "pbtdkgXYZ";
 

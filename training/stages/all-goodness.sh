@@ -1,8 +1,9 @@
 # The utterance-goodness model: one for all languages, from readings right and wrong in each language
 # that has a frame and a phoneme model. Sourced by training/make-models, which gives `stage`, `both`,
-# `bin` and `threads`; run after the models of the languages, and again when one of them changes.
+# `root`, `bin` and `threads`; run after the models of the languages, and again when one of them
+# changes.
 
-goodness_work() { echo "training/work/$1"; }
+goodness_work() { echo "$root/$1"; }
 
 goodness_language() {  # number, name, dictionary
   case $1 in
@@ -43,7 +44,7 @@ goodness_corpora() {
   both "${jobs[@]}"
 }
 
-# The 16 features of 15,000 recordings in each language.
+# The 16 features of 6,000 recordings in each language.
 goodness_features() {
   local language other number name dictionary corpora foreign
   for language in $(goodness_languages); do
@@ -55,7 +56,7 @@ goodness_features() {
       if [ $other != "$language" ]; then foreign+=("$(goodness_work $other)/goodness1.corpus"); fi
     done
     "$bin/make-goodness-features" --language "$number" --corpus "${corpora[@]}" \
-      --foreign "${foreign[@]}" --count 15000 --seed 31 --threads "$threads" \
+      --foreign "${foreign[@]}" --count 6000 --seed 31 --threads "$threads" \
       --out "$(goodness_work "$language")/goodness.vectors"
   done
 }
@@ -67,7 +68,7 @@ goodness_network() {
   done
   "$bin/train-network" --kind vector --features "${vectors[@]}" --hidden 24 12 --batch 128 \
     --epochs 40 --rate 3e-3 --dropout 0 --smoothing 0 --seed 1 --threads "$threads" \
-    --out training/work/goodness.net --model resources/UttGoodness.model --version 1
+    --out "$root/goodness.net" --model resources/UttGoodness.model --version 1
 }
 
 goodness_stages() {

@@ -1,0 +1,21 @@
+# Chinese: the tone classifier. Sourced by training/stages/zh.sh; uses what training/make-models
+# defines: stage, bin, work, dictionary, threads.
+
+tone_features() {
+  $bin/make-tone-features --words $dictionary --count 10000 --copies 5 --seed 62 \
+    --threads $threads --out "$work/tone.vectors"
+  $bin/make-tone-features --words $dictionary --count 600 --copies 0 --noisy 0 --held-out \
+    --seed 691 --threads $threads --out "$work/tone-held.vectors"
+}
+
+tone_network() {
+  $bin/train-network --kind vector --hidden 256 96 --features "$work/tone.vectors" \
+    --test "$work/tone-held.vectors" --threads $threads --epochs 30 --batch 1024 --rate 3e-3 \
+    --dropout 0 --smoothing 0.01 --seed 1 --out "$work/tone.net" \
+    --model resources/ChineseTone.model --version 1
+}
+
+tone_stages() {
+  stage tone-features tone_features
+  stage tone tone_network
+}
