@@ -13,6 +13,7 @@
 
 #include "signal/CWaveFrameDef.h"
 #include "tools/Numbers.h"
+#include "tools/SoundFile.h"
 
 namespace veral3::tools {
 namespace {
@@ -20,11 +21,6 @@ namespace {
 constexpr int kMinRate = 1000;
 constexpr int kMaxRate = 1000000;
 constexpr std::size_t kBlockValues = 65536;  // of all channels together
-
-struct CloseSoundFile {
-  void operator()(SNDFILE* file) const { sf_close(file); }
-};
-using SoundFile = std::unique_ptr<SNDFILE, CloseSoundFile>;
 
 struct DeleteSoxr {
   void operator()(soxr_t soxr) const { soxr_delete(soxr); }
@@ -145,10 +141,9 @@ Result<Recording> ReadAudioFile(const std::filesystem::path& path) {
     return Failure::Failure(std::move(problem));
   }
   SF_INFO info{};
-  const SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
-  if (!file) {
-    return Failure::Failure(std::string("cannot be read as audio: ") + sf_strerror(nullptr));
-  }
+  std::string reason;
+  const SoundFile file = OpenSoundFile(path, info, reason);
+  if (!file) return Failure::Failure("cannot be read as audio: " + reason);
   if (info.channels < 1) return Failure::Failure("has no channels");
   if (info.samplerate < kMinRate || info.samplerate > kMaxRate) {
     return Failure::Failure("has a sample rate of " + std::to_string(info.samplerate) +

@@ -16,6 +16,7 @@
 #include "tools/EngineMessages.h"
 #include "tools/MemoryFile.h"
 #include "tools/OutputFile.h"
+#include "tools/SoundFile.h"
 #include "tools/TextFiles.h"
 
 namespace veral3::tools {
@@ -29,11 +30,6 @@ constexpr std::size_t kRecordSize = kAlignInfoSize;
 constexpr std::size_t kMinChunk = kHeadSize + kRecordSize + sizeof(Sha256Digest);
 constexpr std::size_t kMaxChunk = kMinChunk + kMaxTeacherBytes + kMaxSentenceBytes + 3;
 constexpr std::size_t kBlock = 65536;  // samples read at once
-
-struct CloseSoundFile {
-  void operator()(SNDFILE* file) const { sf_close(file); }
-};
-using SoundFile = std::unique_ptr<SNDFILE, CloseSoundFile>;
 
 std::string_view Bytes(const Sha256Digest& digest) {
   return {reinterpret_cast<const char*>(digest.data()), digest.size()};
@@ -119,13 +115,13 @@ SF_CHUNK_INFO ChunkInfo() {
 std::string MakeWave(const TutorFile& tutor, std::string& wave) {
   MemoryFile memory;
   memory.bytes.reserve(2 * tutor.samples.size() + kMaxChunk + 256);
-  SF_VIRTUAL_IO io = kMemoryFileIo;
   SF_INFO info{};
   info.samplerate = kSampleRate;
   info.channels = 1;
   info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-  SoundFile file(sf_open_virtual(&io, SFM_WRITE, &info, &memory));
-  if (!file) return sf_strerror(nullptr);
+  std::string reason;
+  SoundFile file = CreateSoundFile(memory, info, reason);
+  if (!file) return reason;
   std::string content = Pack(tutor);
   SF_CHUNK_INFO chunk = ChunkInfo();
   chunk.data = content.data();
@@ -215,8 +211,9 @@ std::string ReadSamples(SNDFILE* file, const SF_INFO& info, std::size_t count,
 std::string Read(const std::filesystem::path& path, TutorFile& tutor) {
   if (std::string problem = FileProblem(path); !problem.empty()) return problem;
   SF_INFO info{};
-  const SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
-  if (!file) return std::string("is no tutor file: ") + sf_strerror(nullptr);
+  std::string reason;
+  const SoundFile file = OpenSoundFile(path, info, reason);
+  if (!file) return "is no tutor file: " + reason;
   const std::string chunk = ReadChunk(file.get());
   if (chunk.empty()) {
     return "is a recording, no tutor file; `veral3 tutor` makes one of it";
@@ -272,7 +269,8 @@ Result<TutorFile> LoadTutor(const std::filesystem::path& path) {
 bool IsTutorFile(const std::filesystem::path& path) {
   if (!FileProblem(path).empty()) return false;
   SF_INFO info{};
-  const SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
+  std::string reason;
+  const SoundFile file = OpenSoundFile(path, info, reason);
   return file && !ReadChunk(file.get()).empty();
 }
 

@@ -5,9 +5,11 @@
 #include <sndfile.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <thread>
 
 #include "SoundFiles.h"
 #include "support/Vectors.h"
@@ -261,6 +263,30 @@ TEST_F(AudioFile, FlippedBitsAreReadOrRefused) {
       ExpectSane(ReadAudioFile(Path(name)), 8 * 1323);
     }
   }
+}
+
+// Also run under ThreadSanitizer: every thread hears why its own file did not open.
+TEST(AudioFileThreads, ReasonsAreNotMixedUp) {
+  const veral3::test::ScratchFolder folder;
+  const std::string text = folder.Path() / "text.wav";
+  const std::string wave = folder.Path() / "good.wav";
+  veral3::test::WriteFile(text, "no audio");
+  test::WriteSoundFile(wave, test::Sine(300, 0.3, 0.1, 22050, 1), 22050, 1,
+                       SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+  const std::string alone = ReadAudioFile(text).Error();
+  EXPECT_NE(alone, "");
+  std::atomic<int> wrong = 0;
+  {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t) {
+      threads.emplace_back([&, t] {
+        for (int i = 0; i < 200; ++i) {
+          if (t % 2 == 0 ? ReadAudioFile(text).Error() != alone : !ReadAudioFile(wave)) ++wrong;
+        }
+      });
+    }
+  }
+  EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace
