@@ -20,7 +20,7 @@ std::vector<AdviceText> AdviceTextsOf(AdviceKind kind, LanguageType language) {
       if (language == kLanguageChinese) {
         std::vector<AdviceText> tones;
         for (char tone = '0'; tone <= '4'; ++tone) {
-          tones.push_back({tone, std::string("said with a pitch most like tone class ") + tone});
+          tones.push_back({tone, "said most like " + ToneText(tone - '0')});
         }
         return tones;
       }
@@ -43,6 +43,10 @@ std::vector<AdviceText> AdviceTextsOf(AdviceKind kind, LanguageType language) {
           {'H', "much too loud"},
           {'l', "too soft"},
           {'L', "much too soft"}};
+}
+
+std::string ToneText(int tone_class) {
+  return tone_class == 0 ? "the neutral tone" : "tone " + std::to_string(tone_class);
 }
 
 std::string AdviceOf(AdviceKind kind, LanguageType language, char letter) {

@@ -22,6 +22,9 @@ struct AdviceText {
 // Every letter that `kind` has in a language, with its meaning; '-' first where there is one.
 std::vector<AdviceText> AdviceTextsOf(AdviceKind kind, LanguageType language);
 
+// "tone 1" to "tone 4" of the tone classes 1 to 4, "the neutral tone" of class 0.
+std::string ToneText(int tone_class);
+
 // What a letter means; "" for one that says nothing ('-', none, or a letter there is none of).
 std::string AdviceOf(AdviceKind kind, LanguageType language, char letter);
 

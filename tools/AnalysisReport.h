@@ -32,7 +32,7 @@ struct SyllableMeasures {
   std::optional<double> intensity_db;      // that frame against full scale, up to 0 dB
   std::optional<int> stress;               // English: 0 none, 1 main, 2 secondary
   std::optional<int> tone;                 // Chinese: 1 to 4, 5 neutral
-  std::vector<double> tone_probabilities;  // Chinese: by tone class 0 to 4; empty: not classified
+  std::vector<double> tone_probabilities;  // Chinese: neutral, 1 to 4; empty: not classified
   double goodness = 1.0;                   // 0 to 1, below 1 after a noise or for a broken pitch
   int pitch_segments = 0;                  // voiced stretches
 };

@@ -37,7 +37,7 @@ std::string Grade(const AlignJob& job, LanguageType language, const Tutor* tutor
   outcome.report =
       MakeGradeReport(MakeAnalysisReport(MakeReport(job.file, aligned->sentence, learner), learner,
                                          LoadedModels(language)),
-                      learner, tutor != nullptr);
+                      learner, tutor != nullptr ? tutor->audio.get() : nullptr);
   outcome.report.drawn = DrawingOf(job.file, learner, samples);
   if (tutor != nullptr) {
     outcome.report.tutor_file = tutor->drawn.file;

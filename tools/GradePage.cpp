@@ -216,10 +216,12 @@ class Article {
     if (grade.unnecessary_pause.value_or(false)) {
       told.push_back("a long pause before it where the tutor makes none");
     }
-    if (grade.tutor_tone && grade.learner_tone) {
-      if (*grade.tutor_tone != *grade.learner_tone) {
-        told.push_back("said like tone class " + std::to_string(*grade.learner_tone) +
-                       ", the tutor like " + std::to_string(*grade.tutor_tone));
+    if (language == kLanguageChinese) {
+      if (grade.learner_tone && grade.tutor_tone && *grade.tutor_tone != *grade.learner_tone) {
+        told.push_back("said like " + ToneText(*grade.learner_tone) + ", the tutor like " +
+                       ToneText(*grade.tutor_tone));
+      } else if (!grade.learner_tone && !m_report.pronunciation_only) {
+        told.push_back("the pitch is too broken to tell a tone");
       }
     } else if (std::string pitch = AdviceOf(AdviceKind::kPitch, language, grade.pitch_advice);
                !pitch.empty()) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/Tones.h"
 #include "grading/GradedAudio.h"
 
 namespace veral3::tools {
@@ -26,7 +27,15 @@ WordGrade GradeOfWord(GradedAudio& learner, int i) {
   return grade;
 }
 
-SyllableGrade GradeOfSyllable(GradedAudio& learner, int i) {
+// Whether a syllable's tone was classified: one whose pitch is too broken has only zeros.
+bool HasTone(AlignedAudio& audio, int i) {
+  for (int tone = 0; tone < kToneClassCount; ++tone) {
+    if (audio.GetSylToneProb(i, tone) != 0.0) return true;
+  }
+  return false;
+}
+
+SyllableGrade GradeOfSyllable(GradedAudio& learner, AlignedAudio& tutor, int i) {
   SyllableGrade grade;
   grade.scores = {std::nullopt, learner.GetSyllablePronunScore(i), learner.GetSyllablePitchScore(i),
                   learner.GetSyllableTimingScore(i), learner.GetSyllableIntensityScore(i)};
@@ -35,34 +44,34 @@ SyllableGrade GradeOfSyllable(GradedAudio& learner, int i) {
   grade.intensity_advice = learner.GetSyllableIntensityAdvice(i);
   grade.unnecessary_pause = learner.GetSyllableUnnecessaryPause(i);
   if (learner.GetLanguageType() == kLanguageChinese) {
-    grade.tutor_tone = learner.GetCorrectTone(i);
-    grade.learner_tone = learner.GetStudentTone(i);
+    if (HasTone(tutor, i)) grade.tutor_tone = learner.GetCorrectTone(i);
+    if (HasTone(learner, i)) grade.learner_tone = learner.GetStudentTone(i);
   }
   return grade;
 }
 
 }  // namespace
 
-GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, bool with_tutor) {
+GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, AlignedAudio* tutor) {
   GradeReport report;
   report.analysis = std::move(analysis);
-  report.pronunciation_only = !with_tutor;
+  report.pronunciation_only = tutor == nullptr;
   report.scores.total = learner.GetTotalScore();
   report.scores.pronunciation = learner.GetPronunScore();
-  if (with_tutor) {
+  if (tutor != nullptr) {
     report.scores.pitch = learner.GetPitchScore();
     report.scores.timing = learner.GetTimingScore();
     report.scores.intensity = learner.GetIntensityScore();
   }
   const int num_words = learner.GetNumOfWords();
   for (int i = 0; i < num_words; ++i) {
-    report.words.push_back(with_tutor ? GradeOfWord(learner, i) : WordGrade());
+    report.words.push_back(tutor != nullptr ? GradeOfWord(learner, i) : WordGrade());
   }
   const int num_syllables = learner.GetNumOfSyllables();
   for (int i = 0; i < num_syllables; ++i) {
     SyllableGrade grade;
-    if (with_tutor) {
-      grade = GradeOfSyllable(learner, i);
+    if (tutor != nullptr) {
+      grade = GradeOfSyllable(learner, *tutor, i);
     } else {
       grade.scores.pronunciation = learner.GetSyllablePronunScore(i);
     }

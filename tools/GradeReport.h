@@ -43,7 +43,9 @@ struct SyllableGrade {
   char timing_advice = '\0';
   char intensity_advice = '\0';
   std::optional<bool> unnecessary_pause;  // before it
-  std::optional<int> tutor_tone;          // Chinese: most likely tone class, 0 to 4
+  // Chinese: the most likely tone class, 1 to 4 the tones, 0 the neutral one; empty where the pitch
+  // was too broken to classify.
+  std::optional<int> tutor_tone;
   std::optional<int> learner_tone;
 };
 
@@ -73,9 +75,9 @@ struct GradeReport {
   DrawnRecording drawn;                      // the learner's
 };
 
-// Reads a graded learner whose analysis is reported already. `with_tutor`: was it graded against
-// one, or in its pronunciation alone.
-GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, bool with_tutor);
+// Reads a graded learner whose analysis is reported already. `tutor`: what it was graded against,
+// null after grading the pronunciation alone.
+GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, AlignedAudio* tutor);
 
 // What is drawn of an aligned recording.
 DrawnRecording DrawingOf(std::string file, AlignedAudio& audio,

@@ -17,8 +17,8 @@ TEST(AdviceTexts, LettersInWords) {
   EXPECT_EQ(AdviceOf(AdviceKind::kTiming, english, 'S'), "much too short");
   EXPECT_EQ(AdviceOf(AdviceKind::kIntensity, kLanguageChinese, 'h'), "too loud");
   EXPECT_EQ(AdviceOf(AdviceKind::kIntensity, english, 'L'), "much too soft");
-  EXPECT_EQ(AdviceOf(AdviceKind::kPitch, kLanguageChinese, '3'),
-            "said with a pitch most like tone class 3");
+  EXPECT_EQ(AdviceOf(AdviceKind::kPitch, kLanguageChinese, '3'), "said most like tone 3");
+  EXPECT_EQ(AdviceOf(AdviceKind::kPitch, kLanguageChinese, '0'), "said most like the neutral tone");
 }
 
 TEST(AdviceTexts, NothingForNone) {

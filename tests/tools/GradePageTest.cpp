@@ -113,9 +113,11 @@ TEST(GradePage, ChineseTellsTones) {
     syllable.learner_tone = 2;
   }
   report.syllables[1].tutor_tone = 4;
+  report.syllables[2].learner_tone = std::nullopt;
   const DrawnRecording tutor = report.drawn;
   const std::string page = GradePage({report}, &tutor);
-  EXPECT_THAT(page, HasSubstr("said like tone class 2, the tutor like 4"));
+  EXPECT_THAT(page, HasSubstr("said like tone 2, the tutor like tone 4"));
+  EXPECT_THAT(page, HasSubstr("the pitch is too broken to tell a tone"));
   EXPECT_THAT(page, HasSubstr("<td>4</td><td>pitch</td>"));
   EXPECT_THAT(page, HasSubstr("<h2 lang=\"zh\">"));
 }
