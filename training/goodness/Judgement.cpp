@@ -43,7 +43,9 @@ bool KnowsAllWords(LanguageType language, const std::string& sentence) {
   std::istringstream stream(sentence);
   int tokens = 0;
   for (std::string token; stream >> token;) {
-    tokens += token.find_first_not_of(".,?!") != std::string::npos;
+    const bool is_mark = token == "、" || token == "。" || token == "，" ||
+                         token.find_first_not_of(".,?!") == std::string::npos;
+    tokens += !is_mark;
   }
   WordSequence words;
   return dictionary && dictionary->LookupSentence(WideFromUtf8(sentence), words) == 0 &&
