@@ -32,10 +32,13 @@ std::string TextOf(const GradeReport& report, Format format) {
   return format == Format::kCsv ? GradeCsv(report) : GradeTable(report);
 }
 
-// What is wrong with the page's place, "" when nothing is.
-std::string CheckPage(const GradeOptions& options, const std::vector<std::string>& files) {
-  if (options.report.empty()) return "";
+// What is wrong with the places of the results, "" when nothing is.
+std::string CheckPlaces(const GradeOptions& options, const std::vector<std::string>& files) {
   std::error_code error;
+  if (options.tutor && std::filesystem::equivalent(options.output, *options.tutor, error)) {
+    return "the result would overwrite the tutor " + *options.tutor;
+  }
+  if (options.report.empty()) return "";
   if (std::filesystem::is_directory(options.report, error)) {
     return options.report + " is a folder; name a file";
   }
@@ -219,7 +222,7 @@ int RunGrade(GradeOptions options) {
   ReportTarget target = TargetOf(format, options.output);
   if (format == Format::kCsv) target.header = GradeCsvHeader();
   if (std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
-  if (std::string error = CheckPage(options, files); !error.empty()) return fail(error);
+  if (std::string error = CheckPlaces(options, files); !error.empty()) return fail(error);
   if (!LoadFor(options, ResourceUse::kGrade, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
 

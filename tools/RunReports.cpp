@@ -1,5 +1,6 @@
 #include "tools/RunReports.h"
 
+#include <exception>
 #include <string_view>
 
 #include "tools/ExitStatus.h"
@@ -25,7 +26,14 @@ int RunReports(const ReportTarget& target, const std::vector<std::string>& files
   int status = kAllDone;
   std::size_t done = 0;
   console.Progress(0, files.size(), files.front());
-  RunInOrder<RecordingReport>(files.size(), threads, run, [&](const RecordingReport& report) {
+  const auto guarded = [&](std::size_t i) -> RecordingReport {
+    try {
+      return run(i);
+    } catch (const std::exception& error) {
+      return {"", error.what(), ""};
+    }
+  };
+  RunInOrder<RecordingReport>(files.size(), threads, guarded, [&](const RecordingReport& report) {
     const std::string& file = files[done];
     PrintMessages(console, file, report.messages);
     if (!report.error.empty()) {

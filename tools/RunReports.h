@@ -22,7 +22,8 @@ struct RecordingReport {
 void PrintMessages(Console& console, const std::string& file, std::string_view messages);
 
 // Runs `run(i)` for each of `files`, up to `threads` at a time, writes the texts to `target` in
-// order, and says on the console what went wrong and how far it has come. `run` must not throw.
+// order, and says on the console what went wrong and how far it has come. What `run` throws is the
+// recording's error.
 // Gives the exit status: kWrongUsage when the target cannot be written, before anything is run.
 int RunReports(const ReportTarget& target, const std::vector<std::string>& files, int threads,
                const std::function<RecordingReport(std::size_t i)>& run, Console& console);

@@ -14,6 +14,19 @@ namespace {
 
 constexpr const char* kSilent = "is silent: there is nothing to grade against";
 
+// A recording whose destructor, which is not virtual, is that of its own class.
+template <typename Audio>
+struct Owned {
+  explicit Owned(LanguageType language) : audio(language) {}
+  Audio audio;
+};
+
+template <typename Audio>
+std::shared_ptr<Audio> MakeAudio(LanguageType language) {
+  const auto owned = std::make_shared<Owned<Audio>>(language);
+  return {owned, &owned->audio};
+}
+
 bool IsSilent(const std::vector<std::int16_t>& samples) {
   return std::ranges::all_of(samples, [](std::int16_t sample) { return sample == 0; });
 }
@@ -28,7 +41,7 @@ Result<Tutor> StoredTutor(const std::string& file, TutorFile tutor, LanguageType
   }
   if (IsSilent(tutor.samples)) return Failure::Failure(kSilent);
   const EngineMessages messages;
-  const auto saved = std::make_shared<SavedAlignedAudio>(language);
+  const auto saved = MakeAudio<SavedAlignedAudio>(language);
   HLYFile stored = AsHLYFile(tutor);
   if (saved->LoadFromHLY(&stored) != 0) {
     return Failure::Failure("cannot be used: " + messages.OneLine());
@@ -40,7 +53,7 @@ Result<Tutor> AnalyzedTutor(const AlignJob& job, LanguageType language, std::str
   using Failure = Result<Tutor>;
   Result<Tutor> tutor = Failure::Failure("");
   std::string error = ErrorOf([&]() -> std::string {
-    const auto audio = std::make_shared<AnalyzedAudio>(language);
+    const auto audio = MakeAudio<AnalyzedAudio>(language);
     Result<AlignedRecording> aligned = ReadAndAlign(job, *audio, messages);
     if (!aligned) return aligned.Error();
     if (aligned->recording.silent) return kSilent;

@@ -219,6 +219,8 @@ TEST_F(Grade, WrongUsageIsTwo) {
       {{"--tutor", tutor, "--text", m_sentence, "--format", "ctm", learner}, "ctm"},
       {{"--tutor", tutor, "--text", m_sentence, "--report", learner, learner},
        "the report would overwrite the recording"},
+      {{"--tutor", tutor, "--text", m_sentence, "--output", tutor, learner},
+       "the result would overwrite the tutor"},
       {{"--tutor", tutor, "--text", m_sentence, "--report", tutor, learner},
        "the report would overwrite the recording"},
       {{"--tutor", tutor, "--text", m_sentence, "--report", Path("folder"), learner},
