@@ -6,7 +6,7 @@
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -31,6 +31,8 @@ struct Language {
   std::string name;
   LanguageType type;
 };
+
+void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
 
 const Language kLanguages[] = {{"en", "English", kLanguageEnglish},
                                {"zh", "Chinese", kLanguageChinese},

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -54,6 +57,25 @@ inline GradedScores Grade(GradedAudio& learner, AlignedAudio& tutor) {
     scores.contrasts.push_back(learner.GetWordIntensityConstrast(i));
   }
   return scores;
+}
+
+// Whether nothing differs but what single precision of the tutor's loudness does to the contrasts
+// of words: ratios of two of its syllables.
+inline testing::AssertionResult AlikeButForContrasts(GradedScores stored,
+                                                     const GradedScores& fresh) {
+  constexpr double kTwoRoundings = 1.5e-7;
+  if (stored.contrasts.size() != fresh.contrasts.size()) {
+    return testing::AssertionFailure() << "other words";
+  }
+  for (std::size_t i = 0; i < fresh.contrasts.size(); ++i) {
+    if (std::abs(stored.contrasts[i] - fresh.contrasts[i]) > fresh.contrasts[i] * kTwoRoundings) {
+      return testing::AssertionFailure()
+             << "contrast " << i << ": " << stored.contrasts[i] << ", " << fresh.contrasts[i];
+    }
+  }
+  stored.contrasts = fresh.contrasts;
+  if (stored == fresh) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "the scores differ";
 }
 
 }  // namespace veral3::tools::test

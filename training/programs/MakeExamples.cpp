@@ -7,6 +7,8 @@
 #include <sndfile.h>
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -19,6 +21,7 @@
 #include <vector>
 
 #include "signal/CWaveFrameDef.h"
+#include "training/augment/Lengthen.h"
 #include "training/common/Random.h"
 #include "training/corpus/ChineseTexts.h"
 #include "training/corpus/ChineseVoices.h"
@@ -109,6 +112,24 @@ void WriteChinese(const std::filesystem::path& folder, const std::string& dictio
                "the last syllable has the second tone, not the fourth", utterance);
 }
 
+// The synthesiser's long vowels are hardly longer than its short ones: makes them twice as long, as
+// people do, so that a short one in their place is a mistake that can be heard.
+void LengthenLongVowels(Utterance& utterance, const std::vector<JapaneseUnit>& units) {
+  const std::vector<std::size_t> places = LabelsOfUnits(utterance.labels, units);
+  for (std::size_t u = 0; u < units.size(); ++u) {
+    if (units[u].symbols.size() != 2) continue;
+    const std::size_t label = places[u];
+    const std::int32_t start = utterance.labels[label].start;
+    const std::int32_t end = label + 2 < utterance.labels.size()
+                                 ? utterance.labels[label + 2].start
+                                 : static_cast<std::int32_t>(utterance.samples.size());
+    const std::int32_t added = Lengthen(utterance.samples, start, end, end - start);
+    for (std::size_t i = label + 1; i < utterance.labels.size(); ++i) {
+      utterance.labels[i].start += added;
+    }
+  }
+}
+
 Utterance SpeakJapanese(EspeakSpeech& espeak, const EspeakVoice& voice, const std::string& text,
                         std::span<const JapaneseReading> readings) {
   std::vector<JapaneseUnit> units;
@@ -125,6 +146,7 @@ Utterance SpeakJapanese(EspeakSpeech& espeak, const EspeakVoice& voice, const st
       JapaneseLabels(spoken.events, units, static_cast<std::int32_t>(spoken.samples.size()));
   utterance.samples = std::move(spoken.samples);
   TakeClosures(utterance.labels, utterance.samples, kJapaneseStops);
+  LengthenLongVowels(utterance, units);
   HalveLongVowels(utterance, units);
   return utterance;
 }

@@ -26,8 +26,9 @@ struct SpokenText {
   std::vector<PhonemeEvent> events;
 };
 
-// espeak-ng keeps its state in the process: one object at a time, one thread. What was spoken before
-// may leave a trace of a few samples in what is spoken next, so only whole runs repeat exactly.
+// espeak-ng keeps its state in the process: one object at a time, one thread. What was spoken
+// before may leave a trace of a few samples in what is spoken next, so only whole runs repeat
+// exactly.
 class EspeakSpeech {
  public:
   EspeakSpeech();  // throws std::runtime_error where espeak-ng or its data is missing
