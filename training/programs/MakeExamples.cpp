@@ -151,19 +151,18 @@ Utterance SpeakJapanese(EspeakSpeech& espeak, const EspeakVoice& voice, const st
   return utterance;
 }
 
-// "Grandfather is a teacher at the school": the learner says uncle, ojisan for ojiisan.
+// "There is beer here": the learner says building, biru for biiru.
 void WriteJapanese(const std::filesystem::path& folder, EspeakSpeech& espeak) {
-  const std::string text = "おじいさん は 学校 の 先生 です";
-  std::vector<JapaneseReading> readings = {{"oZiisaN", {0, 1, 4}}, {"wa", {0}},
-                                           {"gakkoo", {0, 3}},     {"no", {0}},
-                                           {"seNsee", {0, 3}},     {"desu", {0, 2}}};
+  const std::string text = "ここ に ビール が あり ます";
+  std::vector<JapaneseReading> readings = {{"koko", {0, 2}}, {"ni", {0}},     {"biiru", {0, 3}},
+                                           {"ga", {0}},      {"ari", {0, 1}}, {"masu", {0, 2}}};
   const EspeakVoice tutor = {"ja+f4", 135, 60, 60, 0};
   WriteExample(folder, "japanese-tutor", "Japanese", "",
                SpeakJapanese(espeak, tutor, text, readings));
-  readings[0] = {"oZisaN", {0, 1, 3}};
+  readings[2] = {"biru", {0, 2}};
   const EspeakVoice learner = {"ja+Michael", 125, 50, 60, 0};
   WriteExample(folder, "japanese-learner", "Japanese",
-               "the long vowel of the first word is short: uncle for grandfather",
+               "the long vowel of the third word is short: building for beer",
                SpeakJapanese(espeak, learner, text, readings));
 }
 
