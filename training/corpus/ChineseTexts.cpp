@@ -2,53 +2,44 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
+#include "training/corpus/Vocabulary.h"
 #include "training/speech/ChineseSyllables.h"
 
 namespace veral3::training {
 namespace {
 
-using Words = std::vector<std::string>;
-using Vocabulary = std::map<char, Words>;  // by slot
-
-Words Split(std::string_view text) {
-  std::istringstream stream{std::string(text)};
-  Words words;
-  for (std::string word; stream >> word;) words.push_back(word);
-  return words;
-}
-
 // Slots: P people, N things, V verbs with and J without an object, A qualities, T times, L places,
 // D adverbs, K numbers, M measure words, W any word of the dictionary.
 const Vocabulary& TrainingVocabulary() {
   static const Vocabulary vocabulary = {
-      {'P', Split("我 你 他 她 我們 你們 他們 大家 老師 學生 爸爸 媽媽 哥哥 姐姐 弟弟 妹妹 爺爺 "
+      {'P',
+       SplitWords("我 你 他 她 我們 你們 他們 大家 老師 學生 爸爸 媽媽 哥哥 姐姐 弟弟 妹妹 爺爺 "
                   "奶奶 朋友 同學 醫生 司機 先生 太太 小孩 孩子 鄰居 客人 老闆 警察 護士 經理 "
                   "叔叔 阿姨 校長 兒子 女兒")},
-      {'N', Split("書 電腦 手機 桌子 椅子 衣服 褲子 鞋子 帽子 汽車 房子 飯 麵 水果 蘋果 香蕉 牛奶 "
+      {'N',
+       SplitWords("書 電腦 手機 桌子 椅子 衣服 褲子 鞋子 帽子 汽車 房子 飯 麵 水果 蘋果 香蕉 牛奶 "
                   "咖啡 茶 麵包 雞蛋 蔬菜 筷子 杯子 照片 報紙 雜誌 電視 信 禮物 鑰匙 雨傘 眼鏡 "
                   "手錶 藥 票 地圖 球 狗 貓 花 樹 問題 作業 歌 電影 故事 湯 魚 牛肉 糖 鹽 刀 "
                   "耳朵 而 泉水 圓形 雲 軍隊 宇宙 熊")},
-      {'V', Split("看 買 賣 找 喜歡 討厭 需要 準備 洗 修理 借 送 拿 帶 丟 打開 檢查 研究 練習 "
-                  "了解 忘記 記得 選擇 認識 歡迎 保護 使用 討論 吃 喝 畫 寫 聽 拍 搬 換 收")},
-      {'J', Split("睡覺 吃飯 上班 下班 上課 開車 跑步 游泳 唱歌 跳舞 休息 回家 旅行 散步 洗澡 "
-                  "開會 運動 聊天 上學 讀書 起床 哭 笑 生氣 出去 結婚 工作 學習")},
-      {'A', Split("好 大 小 高 漂亮 便宜 貴 快 慢 新 舊 冷 熱 忙 累 高興 快樂 安靜 乾淨 重要 "
-                  "簡單 困難 有名 方便 舒服 危險 聰明 認真 努力 可愛 遠 近 長 短 輕 重 圓 窮 "
-                  "軟 硬 酸 甜 苦 辣")},
-      {'T', Split("今天 明天 昨天 後來 早上 晚上 中午 下午 現在 以前 以後 去年 今年 每天 週末 "
-                  "最近 星期一 星期三 星期五 春天 夏天")},
-      {'L', Split("學校 公園 車站 醫院 圖書館 超市 銀行 郵局 餐廳 台北 高雄 台中 機場 家 公司 "
-                  "市場 教室 海邊 山上 北京 上海 日本 美國 中國 廚房 商店 樓上 國外")},
-      {'D', Split("常常 已經 一定 大概 也許 馬上 慢慢 突然 一直 總是 經常 終於 可能 還是 只好 "
-                  "其實 當然 恐怕 再 又 也 都 就")},
-      {'K', Split("一 二 兩 三 四 五 六 七 八 九 十 百 千 萬 半 幾")},
-      {'M', Split("本 張 隻 個 件 杯 條 輛 位 次 天 年 塊 分 點 雙 把 枝 片 份 碗 瓶")},
+      {'V', SplitWords("看 買 賣 找 喜歡 討厭 需要 準備 洗 修理 借 送 拿 帶 丟 打開 檢查 研究 練習 "
+                       "了解 忘記 記得 選擇 認識 歡迎 保護 使用 討論 吃 喝 畫 寫 聽 拍 搬 換 收")},
+      {'J', SplitWords("睡覺 吃飯 上班 下班 上課 開車 跑步 游泳 唱歌 跳舞 休息 回家 旅行 散步 洗澡 "
+                       "開會 運動 聊天 上學 讀書 起床 哭 笑 生氣 出去 結婚 工作 學習")},
+      {'A', SplitWords("好 大 小 高 漂亮 便宜 貴 快 慢 新 舊 冷 熱 忙 累 高興 快樂 安靜 乾淨 重要 "
+                       "簡單 困難 有名 方便 舒服 危險 聰明 認真 努力 可愛 遠 近 長 短 輕 重 圓 窮 "
+                       "軟 硬 酸 甜 苦 辣")},
+      {'T', SplitWords("今天 明天 昨天 後來 早上 晚上 中午 下午 現在 以前 以後 去年 今年 每天 週末 "
+                       "最近 星期一 星期三 星期五 春天 夏天")},
+      {'L', SplitWords("學校 公園 車站 醫院 圖書館 超市 銀行 郵局 餐廳 台北 高雄 台中 機場 家 公司 "
+                       "市場 教室 海邊 山上 北京 上海 日本 美國 中國 廚房 商店 樓上 國外")},
+      {'D', SplitWords("常常 已經 一定 大概 也許 馬上 慢慢 突然 一直 總是 經常 終於 可能 還是 只好 "
+                       "其實 當然 恐怕 再 又 也 都 就")},
+      {'K', SplitWords("一 二 兩 三 四 五 六 七 八 九 十 百 千 萬 半 幾")},
+      {'M', SplitWords("本 張 隻 個 件 杯 條 輛 位 次 天 年 塊 分 點 雙 把 枝 片 份 碗 瓶")},
   };
   return vocabulary;
 }
@@ -101,20 +92,21 @@ constexpr auto kTrainingTemplates = std::to_array<std::string_view>({
 
 const Vocabulary& HeldOutVocabulary() {
   static const Vocabulary vocabulary = {
-      {'P', Split("祖父 祖母 農夫 律師 記者 導演 演員 教授 店員 軍人 工人 畫家 歌手 裁縫 和尚 "
-                  "皇帝 國王 公主 嬰兒 乘客")},
-      {'N', Split("鋼琴 吉他 獅子 老虎 大象 兔子 猴子 葡萄 西瓜 鳳梨 枕頭 毛巾 牙刷 肥皂 鏡子 "
+      {'P', SplitWords("祖父 祖母 農夫 律師 記者 導演 演員 教授 店員 軍人 工人 畫家 歌手 裁縫 和尚 "
+                       "皇帝 國王 公主 嬰兒 乘客")},
+      {'N',
+       SplitWords("鋼琴 吉他 獅子 老虎 大象 兔子 猴子 葡萄 西瓜 鳳梨 枕頭 毛巾 牙刷 肥皂 鏡子 "
                   "冰箱 窗戶 地毯 蠟燭 火車 飛機 輪船 腳踏車 機車 辣椒 豆腐 蛋糕 餅乾 鉛筆 橡皮 "
                   "字典 黃瓜 雪 月亮 沙發 郵票 裙子 襪子")},
-      {'V', Split("欣賞 描寫 收集 參觀 觀察 搶 摸 推 拉 偷 撿 切 煮 烤 種 讚美 批評 模仿 介紹 "
-                  "藏")},
-      {'A', Split("胖 瘦 深 淺 勇敢 溫柔 驕傲 懶惰 神秘 古老 新鮮 優美 奇怪 普通 豐富 健康 燙 "
-                  "濕 堅強 幽默")},
-      {'T', Split("黃昏 半夜 清晨 秋天 冬天 寒假 暑假 明年 當年 星期六 星期四")},
-      {'L', Split("森林 沙漠 博物館 動物園 港口 教堂 監獄 花蓮 台南 德國 法國 英國 橋上 碼頭 "
-                  "體育館 咖啡廳")},
-      {'D', Split("偷偷 悄悄 往往 漸漸 居然 幾乎 果然 從來")},
-      {'K', Split("二十 三十 一百 九千 七十 六百")},
+      {'V', SplitWords("欣賞 描寫 收集 參觀 觀察 搶 摸 推 拉 偷 撿 切 煮 烤 種 讚美 批評 模仿 介紹 "
+                       "藏")},
+      {'A', SplitWords("胖 瘦 深 淺 勇敢 溫柔 驕傲 懶惰 神秘 古老 新鮮 優美 奇怪 普通 豐富 健康 燙 "
+                       "濕 堅強 幽默")},
+      {'T', SplitWords("黃昏 半夜 清晨 秋天 冬天 寒假 暑假 明年 當年 星期六 星期四")},
+      {'L', SplitWords("森林 沙漠 博物館 動物園 港口 教堂 監獄 花蓮 台南 德國 法國 英國 橋上 碼頭 "
+                       "體育館 咖啡廳")},
+      {'D', SplitWords("偷偷 悄悄 往往 漸漸 居然 幾乎 果然 從來")},
+      {'K', SplitWords("二十 三十 一百 九千 七十 六百")},
   };
   return vocabulary;
 }
@@ -136,7 +128,7 @@ constexpr auto kHeldOutTemplates = std::to_array<std::string_view>({
 template <typename AnyWord>
 Words Fill(std::string_view pattern, const Vocabulary& vocabulary, bool rare, Random& random,
            const AnyWord& any_word) {
-  Words words = Split(pattern);
+  Words words = SplitWords(pattern);
   for (std::string& word : words) {
     if (word == "W") {
       word = any_word();
@@ -271,29 +263,13 @@ ChineseSentence ChineseTexts::Read(std::span<const std::string> words, Random& r
 }
 
 std::string ChineseTexts::WithOneWordChanged(const std::string& held_out_text, Random& random) {
-  Words words = Split(held_out_text);
-  std::vector<std::pair<std::size_t, const Words*>> changeable;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    for (const auto& [slot, choices] : HeldOutVocabulary()) {
-      if (std::ranges::find(choices, words[i]) != choices.end()) {
-        changeable.emplace_back(i, &choices);
-        break;
-      }
-    }
-  }
-  if (changeable.empty()) return held_out_text;
-  const auto [place, choices] = random.Pick(changeable);
-  const std::string old = words[place];
-  while (words[place] == old) words[place] = random.Pick(*choices);
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-  return text;
+  return training::WithOneWordChanged(held_out_text, HeldOutVocabulary(), random);
 }
 
 std::vector<std::string> ChineseTemplateWords() {
   std::set<std::string> words;
   const auto add = [&](std::string_view text) {
-    for (const std::string& word : Split(text)) {
+    for (const std::string& word : SplitWords(text)) {
       const bool is_slot = word.size() == 1;
       if (!is_slot) words.insert(word);
     }

@@ -1,0 +1,39 @@
+# Frame and phoneme classifier of a language that has one synthesiser only. The frame classifier
+# starts from the hidden layers of the English one, which heard other synthesisers too, with an output
+# layer of its own. Sourced by training/stages/zh.sh and ja.sh.
+
+# one_corpora LANGUAGE SEED HELD_OUT_COUNT HELD_OUT_SEED
+one_corpora() {
+  local jobs=() i
+  for i in 1 2 3 4 5 6 7 8; do
+    jobs+=("$bin/make-corpus --language $1 --words $dictionary --count 1000 --seed $2$i \
+      --out $work/b$i.corpus")
+  done
+  jobs+=("$bin/make-corpus --language $1 --words $dictionary --held-out --count $3 --seed $4 \
+    --out $work/held.corpus")
+  both "${jobs[@]}"
+}
+
+# one_features NUMBER SEED HELD_OUT_SEED
+one_features() {
+  $bin/make-features --language "$1" --corpus "$work"/b[1-8].corpus --warp-low 0.74 --seed "$2" \
+    --out "$work/b.features"
+  $bin/make-features --language "$1" --corpus "$work/held.corpus" --seed "$3" \
+    --out "$work/held.features"
+}
+
+# one_frame NUMBER NAME
+one_frame() {
+  $bin/train-network --kind frame --language "$1" --start resources/EnglishFrame.model \
+    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 5 \
+    --batch 512 --rate 1.5e-3 --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 \
+    --out "$work/frame.net" --model "resources/$2Frame.model" --version 1
+}
+
+# one_phoneme NUMBER NAME
+one_phoneme() {
+  $bin/train-network --kind phoneme --language "$1" --hidden 384 128 \
+    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 8 \
+    --batch 512 --jitter 1 --dropout 0.2 --seed 4 \
+    --out "$work/phoneme.net" --model "resources/$2Phon.model" --version 1
+}
