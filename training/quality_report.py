@@ -7,6 +7,7 @@ A line reads "LANGUAGE, SPEAKERS | MEASURE | FIGURES | ...". Lines of a kind tha
 still appear, under the other measures of their language.
 """
 
+import pathlib
 import re
 import subprocess
 import sys
@@ -163,6 +164,8 @@ def targets(lines):
         print("those made with the first English models are in `resources/MANIFEST`.\n")
     if missed:
         print("Not reached: " + "; ".join(missed) + ".\n")
+        tried = pathlib.Path(__file__).with_name("tried.md").read_text(encoding="utf-8")
+        print(re.sub("^#", "##", tried.strip(), count=1) + "\n")
     else:
         print("All of them are reached.\n")
 
