@@ -23,11 +23,13 @@ using testing::Not;
 // Every tag that opens closes, in order.
 std::string TagError(const std::string& page) {
   std::vector<std::string> open;
-  const std::regex tag("<(/?)([a-zA-Z][a-zA-Z0-9]*)[^>]*?(/?)>");
-  for (std::sregex_iterator i(page.begin(), page.end(), tag), end; i != end; ++i) {
-    const std::string name = (*i)[2];
-    if ((*i)[3] == "/" || name == "meta" || name == "DOCTYPE") continue;
-    if ((*i)[1] != "/") {
+  for (std::size_t at = page.find('<'); at != std::string::npos; at = page.find('<', at + 1)) {
+    const std::string tag = page.substr(at + 1, page.find('>', at) - at - 1);
+    const bool closes = tag.starts_with("/");
+    const std::size_t begin = closes ? 1 : 0;
+    const std::string name = tag.substr(begin, tag.find_first_of(" \n/", begin) - begin);
+    if (tag.ends_with("/") || name == "meta" || name == "!DOCTYPE") continue;
+    if (!closes) {
       open.push_back(name);
     } else if (open.empty() || open.back() != name) {
       return "</" + name + "> closes " + (open.empty() ? "nothing" : open.back());
@@ -36,6 +38,13 @@ std::string TagError(const std::string& page) {
     }
   }
   return open.empty() ? "" : "<" + open.back() + "> stays open";
+}
+
+TEST(GradePage, TagsThatDoNotCloseAreFound) {
+  EXPECT_EQ(TagError("<!DOCTYPE html>\n<p class=\"a\">x<path d=\"M0 0\"/></p>"), "");
+  EXPECT_EQ(TagError("<p><b>x</p></b>"), "</p> closes b");
+  EXPECT_EQ(TagError("x</p>"), "</p> closes nothing");
+  EXPECT_EQ(TagError("<div><p></p>"), "<div> stays open");
 }
 
 TEST(GradePage, StandsAlone) {
