@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
+#include "training/programs/TrainingOptions.h"
 #include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
 #include "training/train/JointSource.h"
@@ -141,15 +142,7 @@ int main(int argc, char** argv) {
   app.add_option("--head", options.checkpoints, "LANGUAGE:FILE, checkpoint of one language");
   app.add_option("--version", options.version, "the model files' version");
   app.add_option("--jitter", options.jitter, "frames by which boundaries are moved at random");
-  app.add_option("--hidden", options.train.hidden, "sizes of the hidden layers");
-  app.add_option("--batch", options.train.batch, "examples a step");
-  app.add_option("--epochs", options.train.epochs, "times through the examples");
-  app.add_option("--rate", options.train.rate, "highest learning rate");
-  app.add_option("--dropout", options.train.dropout, "of the hidden layers");
-  app.add_option("--smoothing", options.train.smoothing, "of the labels");
-  app.add_option("--sparsity", options.train.sparsity, "weight of the hidden activations");
-  app.add_option("--seed", options.train.seed, "of weights and order");
-  app.add_option("--threads", options.train.threads, "threads to work on");
+  veral3::training::AddTrainingOptions(app, options.train);
   CLI11_PARSE(app, argc, argv);
   try {
     veral3::training::Run(options);

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
+#include "training/programs/TrainingOptions.h"
 #include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
@@ -137,15 +138,7 @@ int main(int argc, char** argv) {
   app.add_option("--version", options.version, "the model file's version");
   app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
   app.add_option("--jitter", options.jitter, "frames by which boundaries are moved at random");
-  app.add_option("--hidden", options.train.hidden, "sizes of the hidden layers");
-  app.add_option("--batch", options.train.batch, "examples a step");
-  app.add_option("--epochs", options.train.epochs, "rounds through the examples");
-  app.add_option("--rate", options.train.rate, "highest learning rate");
-  app.add_option("--dropout", options.train.dropout, "share of hidden values left out");
-  app.add_option("--smoothing", options.train.smoothing, "label smoothing");
-  app.add_option("--sparsity", options.train.sparsity, "weight of the hidden activations' mean");
-  app.add_option("--seed", options.train.seed, "a different one, different weights and order");
-  app.add_option("--threads", options.train.threads, "threads of libtorch");
+  veral3::training::AddTrainingOptions(app, options.train);
   CLI11_PARSE(app, argc, argv);
   try {
     veral3::training::Run(options);
