@@ -158,11 +158,65 @@ TEST_P(StoredPair, GradesLikeTheOneAnalysed) {
   EXPECT_TRUE(test::AlikeButForContrasts(stored, fresh));
 }
 
+// What a learner is told who makes one mistake that is known (examples/audio/README.md).
+class ExampleMistake : public testing::Test {
+ protected:
+  static test::GradedScores Scores(const std::string& name, LanguageType language) {
+    Load(language);
+    const std::string folder = kSource / "examples/audio/";
+    const std::string text =
+        nlohmann::json::parse(veral3::test::ReadFile(folder + name + "-tutor.json")).at("text");
+    const auto analyse = [&](AnalyzedAudio& audio, const std::string& recording) {
+      auto read = ReadAudioFile(folder + name + recording);
+      ASSERT_TRUE(read);
+      const auto count = static_cast<std::uint32_t>(read->samples.size());
+      ASSERT_EQ(audio.AddPossibleSentence(PrepareText(text, language).c_str()), 1);
+      ASSERT_EQ(audio.Align(count, read->samples.data()), 0);
+      ASSERT_EQ(audio.Analyze(count, read->samples.data()), 0);
+    };
+    AnalyzedAudio tutor(language);
+    analyse(tutor, "-tutor.wav");
+    GradedAudio learner(language);
+    analyse(learner, "-learner.wav");
+    return test::Grade(learner, tutor);
+  }
+
+  const veral3::test::MessageCapture m_messages;
+};
+
+TEST_F(ExampleMistake, AWrongTone) {
+  const test::GradedScores scores = Scores("chinese", kLanguageChinese);
+  ASSERT_GT(scores.result, 0);
+  ASSERT_EQ(scores.syllable_pitch.size(), 6u);
+  EXPECT_LT(scores.syllable_pitch.back(), 50);
+  for (std::size_t i = 0; i + 1 < 6; ++i) EXPECT_GT(scores.syllable_pitch[i], 80) << i;
+  EXPECT_EQ(scores.correct_tones.back(), 4);
+  EXPECT_EQ(scores.student_tones.back(), 2);
+}
+
+TEST_F(ExampleMistake, AShortVowel) {  // biru for biiru, the fourth syllable
+  const test::GradedScores scores = Scores("japanese", kLanguageJapanese);
+  ASSERT_GT(scores.result, 0);
+  EXPECT_EQ(scores.timing_advice[3], 's');
+  EXPECT_EQ(*std::ranges::min_element(scores.syllable_timing), scores.syllable_timing[3]);
+}
+
+TEST_F(ExampleMistake, NoClosure) {  // kite for kitte: kokoni kitte, its eighth and ninth phoneme
+  const test::GradedScores scores = Scores("japanese-closure", kLanguageJapanese);
+  ASSERT_GT(scores.result, 0);
+  EXPECT_EQ(scores.timing_advice[3], 's');
+  ASSERT_GT(scores.phonemes.size(), 9u);
+  EXPECT_LT(scores.phonemes[8], 60);
+  EXPECT_EQ(*std::ranges::min_element(scores.phonemes), scores.phonemes[8]);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Languages, StoredPair,
     testing::Values(std::tuple("english-weather", "english-learner", kLanguageEnglish),
                     std::tuple("chinese-tutor", "chinese-learner", kLanguageChinese),
-                    std::tuple("japanese-tutor", "japanese-learner", kLanguageJapanese)));
+                    std::tuple("japanese-tutor", "japanese-learner", kLanguageJapanese),
+                    std::tuple("japanese-closure-tutor", "japanese-closure-learner",
+                               kLanguageJapanese)));
 
 INSTANTIATE_TEST_SUITE_P(Examples, StoredExample,
                          testing::Values("english-bread", "english-train", "english-weather"));

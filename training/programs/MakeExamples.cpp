@@ -17,6 +17,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -112,16 +113,20 @@ void WriteChinese(const std::filesystem::path& folder, const std::string& dictio
                "the last syllable has the second tone, not the fourth", utterance);
 }
 
-// The synthesiser's long vowels are hardly longer than its short ones: makes them twice as long, as
-// people do, so that a short one in their place is a mistake that can be heard.
-void LengthenLongVowels(Utterance& utterance, const std::vector<JapaneseUnit>& units) {
+// The synthesiser's long vowels are hardly longer than its short ones, and its closures shorter
+// than those of people: makes both twice as long, so that a short one in their place is a mistake
+// that can be heard.
+void LengthenLongSounds(Utterance& utterance, const std::vector<JapaneseUnit>& units) {
   const std::vector<std::size_t> places = LabelsOfUnits(utterance.labels, units);
   for (std::size_t u = 0; u < units.size(); ++u) {
-    if (units[u].symbols.size() != 2) continue;
+    const bool closure = u + 1 < units.size() && units[u].symbols == units[u + 1].symbols &&
+                         kJapaneseStops.find(units[u].symbols) != std::string_view::npos;
+    if (units[u].symbols.size() != 2 && !closure) continue;
     const std::size_t label = places[u];
+    const std::size_t next = label + units[u].symbols.size();
     const std::int32_t start = utterance.labels[label].start;
-    const std::int32_t end = label + 2 < utterance.labels.size()
-                                 ? utterance.labels[label + 2].start
+    const std::int32_t end = next < utterance.labels.size()
+                                 ? utterance.labels[next].start
                                  : static_cast<std::int32_t>(utterance.samples.size());
     const std::int32_t added = Lengthen(utterance.samples, start, end, end - start);
     for (std::size_t i = label + 1; i < utterance.labels.size(); ++i) {
@@ -146,24 +151,44 @@ Utterance SpeakJapanese(EspeakSpeech& espeak, const EspeakVoice& voice, const st
       JapaneseLabels(spoken.events, units, static_cast<std::int32_t>(spoken.samples.size()));
   utterance.samples = std::move(spoken.samples);
   TakeClosures(utterance.labels, utterance.samples, kJapaneseStops);
-  LengthenLongVowels(utterance, units);
+  LengthenLongSounds(utterance, units);
   HalveLongVowels(utterance, units);
   return utterance;
 }
 
-// "There is beer here": the learner says building, biru for biiru.
+// "There is beer here": the learner says building, biru for biiru. "There are stamps here": the
+// learner says kite for kitte.
 void WriteJapanese(const std::filesystem::path& folder, EspeakSpeech& espeak) {
-  const std::string text = "ここ に ビール が あり ます";
-  std::vector<JapaneseReading> readings = {{"koko", {0, 2}}, {"ni", {0}},     {"biiru", {0, 3}},
-                                           {"ga", {0}},      {"ari", {0, 1}}, {"masu", {0, 2}}};
+  struct Example {
+    std::string name;
+    std::string text;
+    JapaneseReading third_word;
+    JapaneseReading mistaken;
+    const char* mistake;
+  };
+  const Example examples[] = {
+      {"japanese",
+       "ここ に ビール が あり ます",
+       {"biiru", {0, 3}},
+       {"biru", {0, 2}},
+       "the long vowel of the third word is short: building for beer"},
+      {"japanese-closure",
+       "ここ に 切手 が あり ます",
+       {"kitte", {0, 3}},
+       {"kite", {0, 2}},
+       "the third word lacks its closure: kite for kitte, stamp"},
+  };
   const EspeakVoice tutor = {"ja+f4", 135, 60, 60, 0};
-  WriteExample(folder, "japanese-tutor", "Japanese", "",
-               SpeakJapanese(espeak, tutor, text, readings));
-  readings[2] = {"biru", {0, 2}};
   const EspeakVoice learner = {"ja+Michael", 125, 50, 60, 0};
-  WriteExample(folder, "japanese-learner", "Japanese",
-               "the long vowel of the third word is short: building for beer",
-               SpeakJapanese(espeak, learner, text, readings));
+  for (const Example& example : examples) {
+    std::vector<JapaneseReading> readings = {{"koko", {0, 2}}, {"ni", {0}},     example.third_word,
+                                             {"ga", {0}},      {"ari", {0, 1}}, {"masu", {0, 2}}};
+    WriteExample(folder, example.name + "-tutor", "Japanese", "",
+                 SpeakJapanese(espeak, tutor, example.text, readings));
+    readings[2] = example.mistaken;
+    WriteExample(folder, example.name + "-learner", "Japanese", example.mistake,
+                 SpeakJapanese(espeak, learner, example.text, readings));
+  }
 }
 
 void Run(const std::filesystem::path& resources, const std::filesystem::path& folder) {

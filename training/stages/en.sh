@@ -12,6 +12,7 @@ espeak_corpora() {
   done
   for i in 1 2 3 4 5 6 7 8; do
     jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 20$i --out $work/b$i.corpus")
+    jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 60$i --out $work/c$i.corpus")
   done
   jobs+=("$bin/make-corpus --held-out --count 400 --seed 901 --out $work/held.corpus")
   both "${jobs[@]}"
@@ -37,6 +38,8 @@ espeak_features() {
   $bin/make-features --corpus "$work"/a[1-6].corpus --copies 2 --seed 11 --out "$work/a.features"
   $bin/make-features --corpus "$work"/b[1-8].corpus --warp-low 0.74 --seed 12 \
     --out "$work/b.features"
+  $bin/make-features --corpus "$work"/c[1-8].corpus --warp-low 0.74 --seed 14 \
+    --out "$work/c.features"
   $bin/make-features --corpus "$work/held.corpus" --seed 91 --out "$work/held.features"
 }
 
@@ -44,7 +47,7 @@ espeak_features() {
 frame_first() {
   $bin/train-network --kind frame --features "$work/a.features" "$work/b.features" \
     --test "$work/held.features" --threads $threads \
-    --epochs 4 --batch 512 --rate 2e-3 --sparsity 0.05 --seed 1 \
+    --hidden 512 512 --epochs 4 --batch 512 --rate 2e-3 --sparsity 0.05 --seed 1 \
     --out "$work/frame-first.net" --model "$work/frame-first.model"
 }
 
@@ -71,30 +74,23 @@ all_features() {
   echo "$work"/{a,b,flite-awb,flite-kal16,flite-rms,flite-slt,festival-ked}.features
 }
 
-# All voices at a lower rate, boundaries where they are.
+# All voices, boundaries where they are.
 frame_second() {
   $bin/train-network --kind frame --start "$work/frame-first.net" --threads $threads \
-    --features $(all_features) --test "$work/held.features" --epochs 3 --batch 512 --rate 1.2e-3 \
-    --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 --out "$work/frame-second.net"
-}
-
-frame_third() {
-  $bin/train-network --kind frame --start "$work/frame-second.net" --threads $threads \
-    --features $(all_features) --test "$work/held.features" --epochs 3 --batch 1024 --rate 1e-3 \
-    --jitter 0 --dropout 0 --sparsity 0.03 --seed 5 --out "$work/frame.net" \
+    --features $(all_features) --test "$work/held.features" --epochs 7 --batch 512 --rate 1.5e-3 \
+    --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 --out "$work/frame.net" \
     --model resources/EnglishFrame.model --version 1
 }
 
-phoneme_first() {
-  $bin/train-network --kind phoneme --threads $threads --hidden 384 128 \
-    --features $(all_features) --test "$work/held.features" --epochs 8 --batch 512 \
-    --jitter 1 --dropout 0.2 --seed 4 --out "$work/phoneme-first.net"
-}
-
-phoneme_second() {
+# A frame has thousands of neighbours like it, a phoneme is one example: this network needs more
+# sentences than the other. The second time has little dropout.
+phoneme() {
+  $bin/train-network --kind phoneme --threads $threads --hidden 640 320 \
+    --features $(all_features) "$work/c.features" --test "$work/held.features" --epochs 10 \
+    --batch 512 --jitter 1 --dropout 0.2 --seed 4 --out "$work/phoneme-first.net"
   $bin/train-network --kind phoneme --start "$work/phoneme-first.net" --threads $threads \
-    --features $(all_features) --test "$work/held.features" --epochs 8 --batch 512 --rate 1.2e-3 \
-    --jitter 1 --dropout 0.05 --seed 6 --out "$work/phoneme.net" \
+    --features $(all_features) "$work/c.features" --test "$work/held.features" --epochs 10 \
+    --batch 512 --rate 1.2e-3 --jitter 1 --dropout 0.05 --seed 6 --out "$work/phoneme.net" \
     --model resources/EnglishPhon.model --version 1
 }
 
@@ -106,8 +102,5 @@ en_stages() {
   stage espeak-features espeak_features
   stage frame-first frame_first
   stage align-others align_others
-  stage frame-second frame_second
-  stage frame-third frame_third
-  stage phoneme-first phoneme_first
-  stage phoneme-second phoneme_second
+  beside frame-second frame_second phoneme phoneme
 }

@@ -8,6 +8,5 @@ source training/stages/one-synthesiser.sh
 ja_stages() {
   stage corpora one_corpora ja 20 400 901
   stage features one_features 3 12 91
-  stage frame one_frame 3 Japanese
-  stage phoneme one_phoneme 3 Japanese
+  beside frame "one_frame 3 Japanese" phoneme "one_phoneme 3 Japanese"
 }

@@ -16,8 +16,8 @@ one_corpora() {
 
 # one_features NUMBER SEED HELD_OUT_SEED
 one_features() {
-  $bin/make-features --language "$1" --corpus "$work"/b[1-8].corpus --warp-low 0.74 --seed "$2" \
-    --out "$work/b.features"
+  $bin/make-features --language "$1" --corpus "$work"/b[1-8].corpus --copies 2 \
+    --warp-low 0.74 --seed "$2" --out "$work/b.features"
   $bin/make-features --language "$1" --corpus "$work/held.corpus" --seed "$3" \
     --out "$work/held.features"
 }
@@ -25,15 +25,18 @@ one_features() {
 # one_frame NUMBER NAME
 one_frame() {
   $bin/train-network --kind frame --language "$1" --start resources/EnglishFrame.model \
-    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 5 \
+    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 6 \
     --batch 512 --rate 1.5e-3 --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 \
     --out "$work/frame.net" --model "resources/$2Frame.model" --version 1
 }
 
-# one_phoneme NUMBER NAME
+# one_phoneme NUMBER NAME: a second time with little dropout.
 one_phoneme() {
-  $bin/train-network --kind phoneme --language "$1" --hidden 384 128 \
-    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 8 \
-    --batch 512 --jitter 1 --dropout 0.2 --seed 4 \
+  $bin/train-network --kind phoneme --language "$1" --hidden 640 320 \
+    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 10 \
+    --batch 512 --jitter 1 --dropout 0.2 --seed 4 --out "$work/phoneme-first.net"
+  $bin/train-network --kind phoneme --language "$1" --start "$work/phoneme-first.net" \
+    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 10 \
+    --batch 512 --rate 1.2e-3 --jitter 1 --dropout 0.05 --seed 6 \
     --out "$work/phoneme.net" --model "resources/$2Phon.model" --version 1
 }

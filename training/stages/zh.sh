@@ -10,7 +10,6 @@ source training/stages/zh-tone.sh
 zh_stages() {
   stage corpora one_corpora zh 40 300 902
   stage features one_features 2 22 92
-  stage frame one_frame 2 Chinese
-  stage phoneme one_phoneme 2 Chinese
+  beside frame "one_frame 2 Chinese" phoneme "one_phoneme 2 Chinese"
   tone_stages
 }
