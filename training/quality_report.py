@@ -166,7 +166,7 @@ def targets(lines):
     if missed:
         print("Not reached: " + "; ".join(missed) + ".\n")
         tried = pathlib.Path(__file__).with_name("tried.md").read_text(encoding="utf-8")
-        print(re.sub("^#", "##", tried.strip(), count=1) + "\n")
+        print(re.sub("^#", "##", tried.strip(), flags=re.MULTILINE) + "\n")
     else:
         print("All of them are reached.\n")
 
