@@ -31,6 +31,13 @@ void Load(LanguageType language) {
             0);
 }
 
+void Analyse(AnalyzedAudio& audio, const std::string& text, std::vector<std::int16_t> samples) {
+  ASSERT_EQ(audio.AddPossibleSentence(text.c_str()), 1);
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  ASSERT_EQ(audio.Align(count, samples.data()), 0);
+  ASSERT_EQ(audio.Analyze(count, samples.data()), 0);
+}
+
 class StoredExample : public testing::TestWithParam<const char*> {
  protected:
   static void SetUpTestSuite() { Load(kLanguageEnglish); }
@@ -40,13 +47,6 @@ class StoredExample : public testing::TestWithParam<const char*> {
   }
   std::string Text() const {
     return nlohmann::json::parse(veral3::test::ReadFile(File(".json"))).at("text");
-  }
-
-  void Analyse(AnalyzedAudio& audio, std::vector<std::int16_t> samples) {
-    ASSERT_EQ(audio.AddPossibleSentence(Text().c_str()), 1);
-    const auto count = static_cast<std::uint32_t>(samples.size());
-    ASSERT_EQ(audio.Align(count, samples.data()), 0);
-    ASSERT_EQ(audio.Analyze(count, samples.data()), 0);
   }
 
   const veral3::test::MessageCapture m_messages;
@@ -74,9 +74,9 @@ TEST_P(StoredExample, GradesLikeTheOneAnalysed) {
   const auto recording = ReadAudioFile(File(".wav"));
   ASSERT_TRUE(recording);
   AnalyzedAudio tutor(kLanguageEnglish);
-  Analyse(tutor, recording->samples);
+  Analyse(tutor, Text(), recording->samples);
   GradedAudio learner(kLanguageEnglish);
-  Analyse(learner, Changed(recording->samples));
+  Analyse(learner, Text(), Changed(recording->samples));
 
   std::string messages;
   auto made = MakeTutor({File(".wav"), {Text()}, {Text()}}, kLanguageEnglish, messages);
@@ -98,7 +98,7 @@ TEST_P(StoredExample, GradesLikeTheOneAnalysed) {
 
   // A tutor graded against itself, too.
   GradedAudio self(kLanguageEnglish);
-  Analyse(self, file->samples);
+  Analyse(self, Text(), file->samples);
   EXPECT_TRUE(test::AlikeButForContrasts(test::Grade(self, saved), test::Grade(self, tutor)));
 }
 
@@ -106,13 +106,6 @@ TEST_P(StoredExample, GradesLikeTheOneAnalysed) {
 class StoredPair
     : public testing::TestWithParam<std::tuple<std::string, std::string, LanguageType>> {
  protected:
-  void Analyse(AnalyzedAudio& audio, const std::string& text, std::vector<std::int16_t> samples) {
-    ASSERT_EQ(audio.AddPossibleSentence(text.c_str()), 1);
-    const auto count = static_cast<std::uint32_t>(samples.size());
-    ASSERT_EQ(audio.Align(count, samples.data()), 0);
-    ASSERT_EQ(audio.Analyze(count, samples.data()), 0);
-  }
-
   const veral3::test::MessageCapture m_messages;
 };
 
@@ -167,12 +160,9 @@ class ExampleMistake : public testing::Test {
     const std::string text =
         nlohmann::json::parse(veral3::test::ReadFile(folder + name + "-tutor.json")).at("text");
     const auto analyse = [&](AnalyzedAudio& audio, const std::string& recording) {
-      auto read = ReadAudioFile(folder + name + recording);
+      const auto read = ReadAudioFile(folder + name + recording);
       ASSERT_TRUE(read);
-      const auto count = static_cast<std::uint32_t>(read->samples.size());
-      ASSERT_EQ(audio.AddPossibleSentence(PrepareText(text, language).c_str()), 1);
-      ASSERT_EQ(audio.Align(count, read->samples.data()), 0);
-      ASSERT_EQ(audio.Analyze(count, read->samples.data()), 0);
+      Analyse(audio, PrepareText(text, language), read->samples);
     };
     AnalyzedAudio tutor(language);
     analyse(tutor, "-tutor.wav");
@@ -201,11 +191,11 @@ TEST_F(ExampleMistake, AShortVowel) {  // biru for biiru, the fourth syllable
   EXPECT_EQ(*std::ranges::min_element(scores.syllable_timing), scores.syllable_timing[3]);
 }
 
-TEST_F(ExampleMistake, NoClosure) {  // kite for kitte: kokoni kitte, its eighth and ninth phoneme
+TEST_F(ExampleMistake, NoClosure) {  // kite for kitte: the first t is the ninth phoneme
   const test::GradedScores scores = Scores("japanese-closure", kLanguageJapanese);
   ASSERT_GT(scores.result, 0);
   EXPECT_EQ(scores.timing_advice[3], 's');
-  ASSERT_GT(scores.phonemes.size(), 9u);
+  ASSERT_GT(scores.phonemes.size(), 8u);
   EXPECT_LT(scores.phonemes[8], 60);
   EXPECT_EQ(*std::ranges::min_element(scores.phonemes), scores.phonemes[8]);
 }

@@ -4,6 +4,7 @@
 # the first model aligns.
 
 dictionary=resources/KEN-UTF8Order.txt
+source training/stages/phoneme.sh
 
 espeak_corpora() {
   local jobs=() i
@@ -83,15 +84,9 @@ frame_second() {
 }
 
 # A frame has thousands of neighbours like it, a phoneme is one example: this network needs more
-# sentences than the other. The second time has little dropout.
+# sentences than the other.
 phoneme() {
-  $bin/train-network --kind phoneme --threads $threads --hidden 640 320 \
-    --features $(all_features) "$work/c.features" --test "$work/held.features" --epochs 10 \
-    --batch 512 --jitter 1 --dropout 0.2 --seed 4 --out "$work/phoneme-first.net"
-  $bin/train-network --kind phoneme --start "$work/phoneme-first.net" --threads $threads \
-    --features $(all_features) "$work/c.features" --test "$work/held.features" --epochs 10 \
-    --batch 512 --rate 1.2e-3 --jitter 1 --dropout 0.05 --seed 6 --out "$work/phoneme.net" \
-    --model resources/EnglishPhon.model --version 1
+  phoneme_rounds 1 English $(all_features) "$work/c.features"
 }
 
 models="EnglishFrame EnglishPhon"

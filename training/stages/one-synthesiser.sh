@@ -2,6 +2,8 @@
 # starts from the hidden layers of the English one, which heard other synthesisers too, with an output
 # layer of its own. Sourced by training/stages/zh.sh and ja.sh.
 
+source training/stages/phoneme.sh
+
 # one_corpora LANGUAGE SEED HELD_OUT_COUNT HELD_OUT_SEED
 one_corpora() {
   local jobs=() i
@@ -30,13 +32,7 @@ one_frame() {
     --out "$work/frame.net" --model "resources/$2Frame.model" --version 1
 }
 
-# one_phoneme NUMBER NAME: a second time with little dropout.
+# one_phoneme NUMBER NAME
 one_phoneme() {
-  $bin/train-network --kind phoneme --language "$1" --hidden 640 320 \
-    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 10 \
-    --batch 512 --jitter 1 --dropout 0.2 --seed 4 --out "$work/phoneme-first.net"
-  $bin/train-network --kind phoneme --language "$1" --start "$work/phoneme-first.net" \
-    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 10 \
-    --batch 512 --rate 1.2e-3 --jitter 1 --dropout 0.05 --seed 6 \
-    --out "$work/phoneme.net" --model "resources/$2Phon.model" --version 1
+  phoneme_rounds "$1" "$2" "$work/b.features"
 }

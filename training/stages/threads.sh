@@ -6,8 +6,8 @@ export OMP_WAIT_POLICY=passive GOMP_SPINCOUNT=0
 export OMP_NUM_THREADS=${threads:-1} OPENBLAS_NUM_THREADS=${threads:-1}
 
 # OpenBLAS chooses its kernels by the processor, and other kernels add in another order. The same ones
-# on every machine: those of AVX2.
-export OPENBLAS_CORETYPE=Haswell OPENBLAS_L2_SIZE=512
+# on every machine that has AVX2: its.
+if grep -qw avx2 /proc/cpuinfo; then export OPENBLAS_CORETYPE=Haswell OPENBLAS_L2_SIZE=512; fi
 
 # with_avx512 COMMAND...: with the kernels of AVX-512 where the processor has them, which take two
 # thirds of the time.
