@@ -19,7 +19,8 @@ namespace {
 // Starts the command with files, or a terminal, as its standard streams, and waits for its end.
 int Run(const std::vector<std::string>& arguments, const std::string& out, const std::string& err,
         rusage& usage) {
-  std::vector<std::string> words = {VERAL3_COMMAND};
+  const char* other = std::getenv("VERAL3_COMMAND");  // another build of it
+  std::vector<std::string> words = {other ? other : VERAL3_COMMAND};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
