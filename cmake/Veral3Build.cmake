@@ -30,6 +30,7 @@ if(VERAL3_SANITIZE)
 endif()
 
 set(VERAL3_MODULES "" CACHE INTERNAL "folders that make up the library")
+set(VERAL3_PUBLIC_HEADERS Veral3.h CACHE INTERNAL "headers that are installed")
 set(VERAL3_LINK_LIBRARIES "" CACHE INTERNAL "what the library links")
 
 # veral3_add_module(NAME SOURCES ... [PUBLIC_HEADERS ...] [LIBRARIES ...])
@@ -42,6 +43,8 @@ function(veral3_add_module name)
   target_link_libraries(veral3_${name} PRIVATE veral3_options ${ARG_LIBRARIES})
   set(VERAL3_MODULES ${VERAL3_MODULES} ${name} CACHE INTERNAL "")
   set(VERAL3_LINK_LIBRARIES ${VERAL3_LINK_LIBRARIES} ${ARG_LIBRARIES} CACHE INTERNAL "")
+  list(TRANSFORM ARG_PUBLIC_HEADERS PREPEND "${name}/" OUTPUT_VARIABLE public)
+  set(VERAL3_PUBLIC_HEADERS ${VERAL3_PUBLIC_HEADERS} ${public} CACHE INTERNAL "")
   foreach(header IN LISTS ARG_PUBLIC_HEADERS)
     cmake_path(GET header PARENT_PATH sub)
     install(FILES ${header}

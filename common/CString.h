@@ -8,9 +8,9 @@
 
 // The wide string of the interface: sentences and words. One code point a character.
 //
-//   CString word("caf\xC3\xA9");        // narrow text is UTF-8
-//   word.MakeUpper();                   // one character to one, no locale
-//   if (word == L"CAF\u00C9") ...
+//   CString word("caf\xC3\xA9");              // narrow text is UTF-8
+//   word.MakeUpper();                         // one character to one, no locale
+//   bool same = word == L"CAF\u00C9";         // true
 //   std::string utf8 = word.Utf8();
 //
 // Positions and counts are in characters. A position outside the text is never an error: the part

@@ -18,8 +18,8 @@ struct AnalysisState;
 //
 //   AnalyzedAudio audio(kLanguageEnglish);
 //   audio.AddPossibleSentence(L"Good morning");                // up to 8 candidates
-//   int matched = audio.Align(num_samples, samples);           // index of the sentence, or
-//   negative if (matched >= 0) {
+//   int matched = audio.Align(num_samples, samples);           // its index, or negative
+//   if (matched >= 0) {
 //     for (int i = 0; i < audio.GetNumOfPhonemes(); ++i) {
 //       use(audio.GetPhonemes()[i], audio.GetPhonemeStartSampleNum(i));
 //     }

@@ -13,16 +13,15 @@
 //
 //   std::string sentence = PrepareSentence("Don\u2019t wait", kLanguageEnglish, cost);
 //   SentenceCheck check = CheckSentence(sentence, kLanguageEnglish, has_word);
-//   for (const std::string& word : check.missing_words) ...
+//   for (const std::string& word : check.missing_words) complain(word);
 //
 // Inline segments ("|1 1 ? 1 1 0 hYt|height") pass through as they are.
 namespace veral3::tools {
 
 // The sentence with
 // - fullwidth letters and digits as ASCII, halfwidth kana as kana;
-// - no-break and other blanks, line breaks, dashes, quotation marks and other punctuation or
-// symbols
-//   beyond ASCII as blanks, invisible characters taken out;
+// - blanks for no-break and other blanks, line breaks, dashes, quotation marks and all other
+// punctuation and symbols beyond ASCII, and nothing for invisible characters;
 // - composed characters (NFC);
 // - in English, typographic apostrophes straight and accents off (the dictionary has none).
 // Runs of blanks become one; none is left at the ends. UTF-8 in and out.
