@@ -16,6 +16,7 @@
 #include "core/ModelScorers.h"
 #include "core/Pronunciation.h"
 #include "core/Prosody.h"
+#include "core/Timing.h"
 
 namespace veral3 {
 namespace {
@@ -64,8 +65,13 @@ void ReportShare(benchmark::State& state) {
 void Prosody(benchmark::State& state) {
   const Recording recording(static_cast<int>(state.range(0)));
   for (auto _ : state) {
-    const ProsodyResult prosody = AnalyzeProsody(kLanguageEnglish, recording.alignment,
-                                                 recording.samples, recording.pitch, {}, 0.0);
+    ProsodyResult prosody;
+    prosody.pitch = MeasurePitch(kLanguageEnglish, recording.alignment, recording.pitch, {});
+    prosody.words = WordSpansOf(recording.alignment);
+    prosody.syllable_duration = SyllableDurations(recording.alignment);
+    prosody.intensity = MeasureIntensity(recording.alignment, recording.samples, 0.0);
+    prosody.utterance_pitch_segments = CountUtterancePitchSegments(recording.alignment, prosody);
+    DrawContours(recording.alignment, prosody);
     benchmark::DoNotOptimize(
         MarkBadSyllables(kLanguageEnglish, recording.alignment, prosody).good_syllable.data());
   }

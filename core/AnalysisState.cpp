@@ -20,6 +20,7 @@ const PronunciationResult& PronunciationOf(const AnalysisState* state) {
 }
 
 const ProsodyResult& ProsodyOf(const AnalysisState* state) {
+  if (state && !state->prosody) return state->released_prosody;
   return OrEmpty(state ? &state->prosody : nullptr);
 }
 

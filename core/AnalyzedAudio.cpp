@@ -1,28 +1,24 @@
 #include "core/AnalyzedAudio.h"
 
 #include <algorithm>
-#include <limits>
-#include <span>
 #include <utility>
-#include <vector>
 
 #include "common/Guarded.h"
 #include "common/MessageWriter.h"
+#include "core/AnalysisChecks.h"
 #include "core/AnalysisState.h"
 #include "core/ModelScorers.h"
 #include "recognition/Dictionaries.h"
 #include "recognition/Models.h"
-#include "signal/CWaveFrameDef.h"
-#include "signal/FramePitch.h"
-#include "signal/HighPassFilter.h"
 #include "signal/NoiseReduction.h"
-#include "signal/SignalNoiseRatio.h"
-#include "signal/WaveformContour.h"
 
 namespace {
 
 using veral3::AlignmentResult;
 using veral3::AnalysisState;
+using veral3::AreSamples;
+using veral3::IsUsable;
+using veral3::Measurements;
 using veral3::Message;
 using veral3::MessageStream;
 
@@ -39,71 +35,15 @@ int Guarded(const char* operation, Step step) noexcept {
   return veral3::Guarded("AnalyzedAudio", operation, step);
 }
 
-bool IsUsable(const AnalysisState* state, const char* operation) {
-  if (state && state->phoneme_set && state->dictionary) return true;
-  Report(operation, "unknown Language Type");
-  return false;
-}
-
-bool IsKnownLanguage(const AnalysisState* state) { return state && state->phoneme_set; }
-
-// Counts are ints throughout; 27 hours of sound fit.
-bool IsUsable(std::uint32_t num_samples, const std::int16_t* samples, const char* operation) {
-  if (num_samples > static_cast<std::uint32_t>(std::numeric_limits<int>::max())) {
-    Report(operation, "dNumOfSamples too large");
-    return false;
-  }
-  if (!samples && num_samples > 0) {
-    Report(operation, "no samples");
-    return false;
-  }
-  return true;
-}
-
 // A new alignment makes everything measured before it obsolete.
 void ForgetMeasurements(AnalysisState& state) {
-  if (state.pronunciation) state.earlier_pronunciation = std::move(state.pronunciation);
-  if (state.prosody) {
-    state.earlier_energy_ratio = state.prosody->intensity.speech_to_utterance;
-  }
-  state.pronunciation = nullptr;
-  state.prosody = nullptr;
-  state.goodness = nullptr;
-  state.waveform = nullptr;
-  state.signal_noise_ratio = 0.0;
+  Measurements none;
+  none.earlier_pronunciation =
+      std::move(state.pronunciation ? state.pronunciation : state.earlier_pronunciation);
+  none.last_energy_ratio = state.last_energy_ratio;
+  static_cast<Measurements&>(state) = std::move(none);
   state.num_samples = 0;
-  state.result = std::make_shared<AlignmentResult>();
-}
-
-bool IsAligned(const AnalysisState& state, const std::int16_t* samples, const char* operation) {
-  if (!state.result || state.result->matched_sentence_index < 0) {
-    Report(operation, "nothing is aligned");
-    return false;
-  }
-  return IsUsable(static_cast<std::uint32_t>(state.num_samples), samples, operation);
-}
-
-std::span<const std::int16_t> SamplesOf(const AnalysisState& state, const std::int16_t* samples) {
-  return {samples, static_cast<std::size_t>(state.num_samples)};
-}
-
-double SignalNoiseRatioOf(const AnalysisState& state, std::span<const std::int16_t> samples) {
-  const AlignmentResult& result = *state.result;
-  return veral3::SignalNoiseRatio(samples,
-                                  std::span(result.phoneme_start).first(result.phonemes.size()),
-                                  std::span(result.phoneme_end).first(result.phonemes.size()));
-}
-
-std::shared_ptr<const veral3::PronunciationResult> Pronounce(const AnalysisState& state) {
-  static const veral3::PronunciationResult none;
-  const auto& before = state.pronunciation ? state.pronunciation : state.earlier_pronunciation;
-  const auto* classifier = veral3::PhonClassifierOf(state.phoneme_set->GetIdentifier());
-  return std::make_shared<veral3::PronunciationResult>(veral3::AnalyzePronunciation(
-      *state.phoneme_set, *state.result, veral3::ScorerOf(classifier), before ? *before : none));
-}
-
-double EarlierEnergyRatio(const AnalysisState& state) {
-  return state.prosody ? state.prosody->intensity.speech_to_utterance : state.earlier_energy_ratio;
+  state.result = nullptr;
 }
 
 // Aligns with `aligner` and puts the outcome into `state`. Of a failed alignment only the best
@@ -191,12 +131,11 @@ int AnalyzedAudio::AddPossibleSentence(CString sentence) {
 
 int AnalyzedAudio::Align(std::uint32_t num_samples, std::int16_t* samples) {
   return Guarded("Align", [&] {
-    if (!IsUsable(m_state.get(), "Align") || !IsUsable(num_samples, samples, "Align")) return -1;
+    if (!IsUsable(m_state.get(), "Align") || !AreSamples(num_samples, samples, "Align")) return -1;
     AnalysisState& state = *m_state;
     ForgetMeasurements(state);
     if (num_samples != 0) {
-      veral3::HighPassFilter(samples, static_cast<int>(num_samples), kHighPassCutoff,
-                             kHighPassRate);
+      HighPassFilter(samples, num_samples, kHighPassCutoff, kHighPassRate);
     }
     if (state.num_possible_sentences <= 0) {
       Report("Align", "m_dNumOfPossibleSentences <= 0");
@@ -220,76 +159,11 @@ int AnalyzedAudio::AlignAgainstTutor(const AnalyzedAudio* tutor, std::uint32_t n
       }
       return -1;
     }
-    if (!IsUsable(num_samples, samples, "AlignAgainstTutor")) return -1;
+    if (!AreSamples(num_samples, samples, "AlignAgainstTutor")) return -1;
     // The tutor may be this object: its sentences stay.
     ForgetMeasurements(*m_state);
     return AlignWith(tutor->m_state->aligner, *m_state, num_samples, samples);
   });
-}
-
-int AnalyzedAudio::Analyze(std::uint32_t, std::int16_t* samples) {
-  return Guarded("Analyze", [&] {
-    if (!IsUsable(m_state.get(), "Analyze") || !IsAligned(*m_state, samples, "Analyze")) return -1;
-    AnalysisState& state = *m_state;
-    const veral3::ModelsInUse models_in_use;
-    const AlignmentResult& result = *state.result;
-    const auto sound = SamplesOf(state, samples);
-
-    auto pronunciation = Pronounce(state);
-    std::vector<std::int32_t> frame_pitch(static_cast<std::size_t>(result.num_frames));
-    veral3::CalculateFramePitch(sound.data(), static_cast<std::uint32_t>(sound.size()),
-                                frame_pitch);
-    auto prosody = std::make_shared<veral3::ProsodyResult>(veral3::AnalyzeProsody(
-        state.language, result, sound, std::move(frame_pitch),
-        veral3::ScorerOf(veral3::ToneClassifier()), EarlierEnergyRatio(state)));
-    auto goodness = std::make_shared<veral3::GoodnessResult>(
-        veral3::MarkBadSyllables(state.language, result, *prosody));
-    auto waveform = std::make_shared<std::array<int, veral3::kWaveformPoints>>(
-        veral3::WaveformContour(sound, GetUttStartSampleNum(), GetUttEndSampleNum()));
-
-    state.pronunciation = std::move(pronunciation);
-    state.prosody = std::move(prosody);
-    state.goodness = std::move(goodness);
-    state.waveform = std::move(waveform);
-    CalculateSignalNoiseRatio(samples);
-    return 0;
-  });
-}
-
-int AnalyzedAudio::AnalyzePronunOnly(std::int16_t* samples) {
-  return Guarded("AnalyzePronunOnly", [&] {
-    if (!IsUsable(m_state.get(), "AnalyzePronunOnly") ||
-        !IsAligned(*m_state, samples, "AnalyzePronunOnly")) {
-      return -1;
-    }
-    AnalysisState& state = *m_state;
-    const veral3::ModelsInUse models_in_use;
-    auto pronunciation = Pronounce(state);
-    auto prosody = std::make_shared<veral3::ProsodyResult>(veral3::ProsodyOf(&state));
-    prosody->intensity = veral3::MeasureIntensity(*state.result, SamplesOf(state, samples),
-                                                  EarlierEnergyRatio(state));
-    auto goodness = std::make_shared<veral3::GoodnessResult>(
-        veral3::MarkBadSyllablesPronunOnly(state.language, *state.result, prosody->intensity));
-    state.pronunciation = std::move(pronunciation);
-    state.prosody = std::move(prosody);
-    state.goodness = std::move(goodness);
-    CalculateSignalNoiseRatio(samples);
-    return 0;
-  });
-}
-
-double AnalyzedAudio::CalculateSignalNoiseRatio(const std::int16_t* samples) {
-  Guarded("CalculateSignalNoiseRatio", [&] {
-    if (!IsUsable(m_state.get(), "CalculateSignalNoiseRatio") ||
-        !IsAligned(*m_state, samples, "CalculateSignalNoiseRatio")) {
-      return -1;
-    }
-    if (!(m_state->signal_noise_ratio > 0.0)) {
-      m_state->signal_noise_ratio = SignalNoiseRatioOf(*m_state, SamplesOf(*m_state, samples));
-    }
-    return 0;
-  });
-  return GetSignalNoiseRatio();
 }
 
 void AnalyzedAudio::PrepareUttGoodnessFeatures(double* features) {
@@ -302,7 +176,7 @@ void AnalyzedAudio::PrepareUttGoodnessFeatures(double* features) {
         GetLanguageType(), veral3::AlignmentOf(State()), veral3::ProsodyOf(State()).intensity,
         veral3::PronunciationOf(State()), veral3::GoodnessOf(State()));
     static_assert(prepared.size() == NUM_UTT_GOODNESS_FEATURES);
-    if (IsKnownLanguage(State())) std::copy(prepared.begin(), prepared.end(), features);
+    if (State() && State()->phoneme_set) std::copy(prepared.begin(), prepared.end(), features);
     return 0;
   });
 }
@@ -326,9 +200,17 @@ int AnalyzedAudio::NoiseReduction(std::int16_t* samples, std::uint32_t num_sampl
                  [&] { return veral3::NoiseReduction(samples, num_samples, policy); });
 }
 
+// Allocates nothing: memory may be released because there is none left.
 void AnalyzedAudio::ReleaseMemory() {
   if (!m_state || !m_state->prosody) return;
-  m_state->earlier_energy_ratio = m_state->prosody->intensity.speech_to_utterance;
+  const veral3::ProsodyResult& prosody = *m_state->prosody;
+  veral3::ProsodyResult& left = m_state->released_prosody;
+  left.intensity.background = prosody.intensity.background;
+  left.intensity.mean_speech = prosody.intensity.mean_speech;
+  left.intensity.loud_frames_before = prosody.intensity.loud_frames_before;
+  left.intensity.loud_frames_after = prosody.intensity.loud_frames_after;
+  left.intensity.speech_to_utterance = prosody.intensity.speech_to_utterance;
+  left.pitch_contour = prosody.pitch_contour;
+  left.intensity_contour = prosody.intensity_contour;
   m_state->prosody = nullptr;
-  m_state->goodness = nullptr;
 }

@@ -82,6 +82,39 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // The same without pitch, timing and contours: what grading the pronunciation alone needs.
   int AnalyzePronunOnly(std::int16_t* samples);
 
+  // The steps of both, for those who want one alone. Each needs an alignment and what the steps
+  // before it measured, puts its results in the place of earlier ones and returns 0; -1 with a
+  // message, and nothing changed, where something is missing. In the order of an analysis:
+  //
+  // What each phoneme sounds like (GetPhonProbDistrArry, GetSoundsLikePhonemes).
+  int CalculatePhonProbDistr();
+
+  // That, and how well the utterance was pronounced as a whole (for GetProbOfGoodAlignment).
+  int CalculateUttPronunProb();
+
+  // The pitch of each frame and syllable, and the tones in Chinese. `samples` as Analyze takes
+  // them.
+  int AnalyzePitch(const std::int16_t* samples);
+
+  // The pitch of each frame [Hz], 0 where unvoiced, of any samples and without an alignment. Writes
+  // (num_samples - 551) / 220 + 1 values, none for fewer than 551 samples; all are 0 for fewer than
+  // 660. Nothing of the object changes.
+  int CalculateFramePitch_PraAC(const std::int16_t* samples, std::uint32_t num_samples,
+                                int* frame_pitch);
+
+  // Counts what GetUttNumOfPitchSegments gives after an analysis, out of pitch and intensity: 0,
+  // which is reported, or more. The stored count stays.
+  int CountUttPichSegments();
+
+  // Loud frames in the gaps between syllables, and, with them, ProbGoodSyllable; out of pitch and
+  // intensity. The intensity is measured by Analyze and AnalyzePronunOnly alone.
+  int MarkBadSpaces();
+  int MarkBadSyllables();
+
+  // The same by the rules of AnalyzePronunOnly, out of the intensity.
+  int MarkBadSpacesPronunOnly();
+  int MarkBadSyllablesPronunOnly();
+
   double GetLogProbOfAlign();     // of the best path, natural logarithm
   int GetMatchedSentenceIndex();  // 0-based; -1 before an alignment
   CString GetWordOfMatchedSentence(int word);
@@ -160,8 +193,9 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   int SavePhonBadTraits(std::ostream& lines);
   int SaveSylPauseBadTraits(std::ostream& lines);
 
-  // Forgets what the analysis measured frame by frame and syllable by syllable; the alignment, the
-  // pronunciation and the waveform contour stay.
+  // Gives memory back: the pitch, intensity, duration, tones and pitch segments of frames,
+  // syllables and words read 0 afterwards, and so does the number of the utterance's pitch
+  // segments. All else stays until the next alignment, contours and energy ratio included.
   void ReleaseMemory();
 
   LanguageType GetLanguageType() override;
@@ -193,6 +227,13 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   const veral3::AnalysisState* State() const { return m_state.get(); }
 
  private:
+  int AnalyzeTiming();
+  int AnalyzeIntensity(const std::int16_t* samples);
+  int GenerarteWaveformContour(const std::int16_t* samples);
+  int GeneratePitchAndIntensityContour();
+  static void HighPassFilter(std::int16_t* samples, std::uint32_t num_samples, double cutoff_hz,
+                             double sample_rate);
+
   std::unique_ptr<veral3::AnalysisState> m_state;
 };
 

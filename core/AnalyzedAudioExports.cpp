@@ -4,6 +4,7 @@
 #include "common/Guarded.h"
 #include "core/AlignInfo.h"
 #include "core/AlignmentPrint.h"
+#include "core/AnalysisChecks.h"
 #include "core/AnalysisState.h"
 #include "core/AnalyzedAudio.h"
 #include "core/TrainingExports.h"
@@ -23,13 +24,13 @@ int Refuse(const char* operation, const char* what) {
   return -1;
 }
 
-bool IsAligned(const AnalysisState* state, const char* operation) {
-  if (state && state->phoneme_set && AlignmentOf(state).matched_sentence_index >= 0) return true;
+bool HoldsAlignment(const AnalysisState* state, const char* operation) {
+  if (AlignmentOf(state).matched_sentence_index >= 0) return true;
   Refuse(operation, "nothing is aligned");
   return false;
 }
 
-enum class Needs { kAlignment, kIntensity, kPitch, kGoodness };
+enum class Needs { kAlignment, kIntensity, kPitch, kGaps, kGoodness };
 
 // Examples from an analysis that was not made would be all zeros.
 bool Has(Needs needs, const AnalysisState& state) {
@@ -37,12 +38,13 @@ bool Has(Needs needs, const AnalysisState& state) {
     case Needs::kAlignment:
       return true;
     case Needs::kIntensity:
-      return state.prosody != nullptr;
+      return HasIntensity(state);
     case Needs::kPitch:
-      return state.prosody && state.prosody->pitch.segments.size() ==
-                                  static_cast<std::size_t>(AlignmentOf(&state).num_syllables);
+      return HasPitch(state);
+    case Needs::kGaps:
+      return !GoodnessOf(&state).loud_gaps.empty();
     case Needs::kGoodness:
-      return state.goodness != nullptr;
+      return !GoodnessOf(&state).loud_gaps.empty() && state.pronunciation;
   }
   return false;
 }
@@ -52,7 +54,7 @@ template <typename Write, typename... Streams>
 int Export(const char* operation, const AnalysisState* state, Needs needs, Write write,
            const Streams&... streams) {
   return veral3::Guarded("AnalyzedAudio", operation, [&] {
-    if (!IsAligned(state, operation)) return -1;
+    if (!HoldsAlignment(state, operation)) return -1;
     if (!Has(needs, *state)) return Refuse(operation, "nothing is analysed");
     write(*state, AlignmentOf(state));
     if (!(streams && ...)) return Refuse(operation, "a stream does not take what is written");
@@ -67,7 +69,7 @@ int AnalyzedAudio::GetSizeOfAlignInfo() { return static_cast<int>(veral3::kAlign
 int AnalyzedAudio::GetAlignInfo(unsigned char* buffer) {
   return veral3::Guarded("AnalyzedAudio", "GetAlignInfo", [&] {
     if (!buffer) return Refuse("GetAlignInfo", "no buffer");
-    if (!IsAligned(State(), "GetAlignInfo")) return -1;
+    if (!HoldsAlignment(State(), "GetAlignInfo")) return -1;
     veral3::AlignInfo info;
     if (veral3::TakeDown(*this, info) < 0) return -1;
     const auto bytes = veral3::EncodeAlignInfo(info);
@@ -78,7 +80,7 @@ int AnalyzedAudio::GetAlignInfo(unsigned char* buffer) {
 
 int AnalyzedAudio::PrintAlignmentResult() {
   return veral3::Guarded("AnalyzedAudio", "PrintAlignmentResult", [&] {
-    if (!IsAligned(State(), "PrintAlignmentResult")) return -1;
+    if (!HoldsAlignment(State(), "PrintAlignmentResult")) return -1;
     GetProbOfGoodAlignment();  // reports what is missing for it
     veral3::PrintAlignment(*this, veral3::PronunciationOf(State()).phonemes.sounds_like,
                            veral3::GoodnessOf(State()).good_syllable);
@@ -148,5 +150,5 @@ int AnalyzedAudio::SaveSylPauseBadTraits(std::ostream& lines) {
   const auto write = [&](const AnalysisState& state, const AlignmentResult& alignment) {
     veral3::WritePauseTraits(alignment, *state.goodness, lines);
   };
-  return Export("SaveSylPauseBadTraits", State(), Needs::kGoodness, write, lines);
+  return Export("SaveSylPauseBadTraits", State(), Needs::kGaps, write, lines);
 }

@@ -111,7 +111,10 @@ int AnalyzedAudio::GetSyllableToneOrStress(int syl) {
 }
 
 const char* AnalyzedAudio::GetSoundsLikePhonemes() {
-  return PronunciationOf(State()).phonemes.sounds_like.c_str();
+  static constexpr std::array<char, veral3::kMaxPhonemes + 1> kNone{};
+  const std::string& symbols = PronunciationOf(State()).phonemes.sounds_like;
+  return static_cast<int>(symbols.size()) < AlignmentOf(State()).NumPhonemes() ? kNone.data()
+                                                                               : symbols.c_str();
 }
 
 double AnalyzedAudio::GetSoundsLikePhonProb(int phon) {

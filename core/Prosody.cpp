@@ -4,7 +4,6 @@
 
 #include "core/SyllablePitch.h"
 #include "core/SyllableSpans.h"
-#include "core/Timing.h"
 
 namespace veral3 {
 
@@ -28,31 +27,27 @@ PitchMeasures MeasurePitch(LanguageType language, const AlignmentResult& alignme
   return measures;
 }
 
-ProsodyResult AnalyzeProsody(LanguageType language, const AlignmentResult& alignment,
-                             std::span<const std::int16_t> samples,
-                             std::vector<std::int32_t> frame_pitch, const ToneScorer& scorer,
-                             double previous_ratio) {
-  ProsodyResult result;
-  result.pitch = MeasurePitch(language, alignment, std::move(frame_pitch), scorer);
-  result.words = FindWordSpans(
+WordSpans WordSpansOf(const AlignmentResult& alignment) {
+  return FindWordSpans(
       std::span(alignment.syllable_start)
           .first(static_cast<std::size_t>(CountSyllables(alignment))),
       std::span(alignment.word_start).first(static_cast<std::size_t>(CountWords(alignment))));
-  result.syllable_duration = SyllableDurations(alignment);
-  result.intensity = MeasureIntensity(alignment, samples, previous_ratio);
+}
 
-  const std::span<const std::int32_t> pitch(result.pitch.frame);
-  const std::span<const double> intensity(result.intensity.frame);
-  const bool has_speech = CountPhonemes(alignment) > 0;
-  result.utterance_pitch_segments = CountUtterancePitchSegments(
-      has_speech ? pitch : pitch.first(0), intensity, result.intensity.background);
-  if (has_speech) {
-    const int start = UtteranceStart(alignment);
-    const int end = UtteranceEnd(alignment);
-    result.pitch_contour = PitchContour(pitch, start, end);
-    result.intensity_contour = IntensityContour(intensity, start, end);
-  }
-  return result;
+int CountUtterancePitchSegments(const AlignmentResult& alignment, const ProsodyResult& prosody) {
+  std::span<const std::int32_t> pitch(prosody.pitch.frame);
+  if (CountPhonemes(alignment) == 0) pitch = {};
+  return CountUtterancePitchSegments(pitch, prosody.intensity.frame, prosody.intensity.background);
+}
+
+void DrawContours(const AlignmentResult& alignment, ProsodyResult& prosody) {
+  prosody.pitch_contour = {};
+  prosody.intensity_contour = {};
+  if (CountPhonemes(alignment) == 0) return;
+  const int start = UtteranceStart(alignment);
+  const int end = UtteranceEnd(alignment);
+  prosody.pitch_contour = PitchContour(prosody.pitch.frame, start, end);
+  prosody.intensity_contour = IntensityContour(prosody.intensity.frame, start, end);
 }
 
 }  // namespace veral3

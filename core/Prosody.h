@@ -41,10 +41,14 @@ struct ProsodyResult {
 PitchMeasures MeasurePitch(LanguageType language, const AlignmentResult& alignment,
                            std::vector<std::int32_t> frame_pitch, const ToneScorer& scorer);
 
-// All of it. `samples` are those that were aligned; `previous_ratio` as MeasureIntensity takes it.
-ProsodyResult AnalyzeProsody(LanguageType language, const AlignmentResult& alignment,
-                             std::span<const std::int16_t> samples,
-                             std::vector<std::int32_t> frame_pitch, const ToneScorer& scorer,
-                             double previous_ratio);
+// The syllables of each word.
+WordSpans WordSpansOf(const AlignmentResult& alignment);
+
+// Pitch segments of the whole recording, out of its pitch and intensity. A count of 0, as every
+// recording without phonemes has it, is reported.
+int CountUtterancePitchSegments(const AlignmentResult& alignment, const ProsodyResult& prosody);
+
+// Sets both contours from the pitch and the intensity; all 0 without phonemes.
+void DrawContours(const AlignmentResult& alignment, ProsodyResult& prosody);
 
 }  // namespace veral3

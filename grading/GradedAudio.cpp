@@ -85,6 +85,10 @@ int GradedAudio::GradeAgainstTutor(AlignedAudio* tutor) {
       return -1;
     }
     if (!IsAnalysed(State(), "GradeAgainstTutor")) return -1;
+    if (!State()->prosody) {  // released: pitch, timing and loudness would be graded as silence
+      Report("GradeAgainstTutor", "the recording is not analysed");
+      return -1;
+    }
     auto graded = std::make_shared<GradedResult>(StartFrom(OrEmpty(m_graded)));
     const int total = veral3::GradeAgainstTutor(
         LearnerOf(*this, State()), veral3::ViewOf(*tutor),

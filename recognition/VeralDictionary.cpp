@@ -133,6 +133,13 @@ int VeralDictionary::LookupTokens(std::wstring_view sentence, WordSequence& word
   }
 }
 
+int VeralDictionary::ReadAPronunEntry(std::string_view line, std::size_t start,
+                                      std::span<OwnedWordEntry::Variant> entry, int slot) const {
+  if (slot < 0 || static_cast<std::size_t>(slot) >= entry.size()) return -1;
+  return veral3::ReadAPronunEntry(m_File.phoneme_set, line.substr(std::min(start, line.size())),
+                                  entry[static_cast<std::size_t>(slot)]);
+}
+
 std::shared_ptr<const OwnedWordEntry> VeralDictionary::AllocateSpecifiedWord(
     std::wstring_view token) const {
   // "|1 K ? ": K is anything but 0.
@@ -148,13 +155,8 @@ std::shared_ptr<const OwnedWordEntry> VeralDictionary::AllocateSpecifiedWord(
   if (bar == std::wstring_view::npos) return nullptr;
   const std::wstring_view pronunciation =
       token.substr(kPronunciation, std::min(bar - kPronunciation, veral3::kMaxLineCharacters));
-  OwnedWordEntry::Variant variant;
-  if (veral3::ReadAPronunEntry(m_File.phoneme_set, veral3::Utf8FromWide(pronunciation), variant) <
-      0) {
-    return nullptr;
-  }
-  std::vector<OwnedWordEntry::Variant> variants;
-  variants.push_back(std::move(variant));
+  std::vector<OwnedWordEntry::Variant> variants(1);
+  if (ReadAPronunEntry(veral3::Utf8FromWide(pronunciation), 0, variants, 0) < 0) return nullptr;
   return std::make_shared<const OwnedWordEntry>(std::wstring(token.substr(bar + 1)),
                                                 std::move(variants));
 }

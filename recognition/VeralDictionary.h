@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -53,6 +55,13 @@ class VeralDictionary {
   //   -400  more than WordSequence::kMaxWords words
   // The words before the failure stay. Missing words of plain text are reported and passed over.
   int LookupSentence(std::wstring_view sentence, veral3::WordSequence& words) const noexcept;
+
+  // Parses one pronunciation, from place `start` of `line` (UTF-8) on, in the notation of the
+  // dictionary's phoneme set (see recognition/PronunciationParser.h) into the slot of an entry that
+  // is being made. 0; or -1 with the slot left empty, which is reported only where nothing stands
+  // for the phonemes, and for a slot that the entry lacks.
+  int ReadAPronunEntry(std::string_view line, std::size_t start,
+                       std::span<veral3::OwnedWordEntry::Variant> entry, int slot) const;
 
   // The entry that an inline pronunciation spells out, as in "|1 1 ? 1 1 0 hYt|height". Null when
   // it is malformed; one that does not even begin like that is reported on standard output.

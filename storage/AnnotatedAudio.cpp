@@ -75,8 +75,12 @@ int AnnotatedAudio::LoadAndAnnotate(unsigned long num_samples, const std::int16_
   });
 }
 
+char* AnnotatedAudio::GetPhonemes() {
+  return m_annotation ? m_annotation->phonemes.data() : m_no_phonemes;
+}
+
 const char* AnnotatedAudio::GetPhonemes() const {
-  return m_annotation ? m_annotation->phonemes.c_str() : "";
+  return m_annotation ? m_annotation->phonemes.c_str() : m_no_phonemes;
 }
 
 int AnnotatedAudio::GetNumOfPhonemes() const {

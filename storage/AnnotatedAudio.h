@@ -37,7 +37,8 @@ class VERAL3_API AnnotatedAudio {
                       LanguageType language);
 
   // One symbol of the language's phoneme set a segment, zero-terminated; never null, and valid
-  // until the next annotation or the object's end.
+  // until the next annotation or the object's end. For reading: copies of the object share it.
+  char* GetPhonemes();
   const char* GetPhonemes() const;
   int GetNumOfPhonemes() const;
 
@@ -48,5 +49,6 @@ class VERAL3_API AnnotatedAudio {
   int GetPhonemeEndSample(int i) const;
 
  private:
-  std::shared_ptr<const veral3::Annotation> m_annotation;  // null before the first one
+  std::shared_ptr<veral3::Annotation> m_annotation;  // null before the first one
+  char m_no_phonemes[1] = {};
 };

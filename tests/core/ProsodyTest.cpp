@@ -7,6 +7,7 @@
 #include "core/Alignments.h"
 #include "core/SyllablePitch.h"
 #include "core/SyllableSpans.h"
+#include "core/Timing.h"
 #include "support/MessageCapture.h"
 #include "support/Vectors.h"
 
@@ -17,6 +18,20 @@ using test::MakeAlignment;
 using test::MessageCapture;
 using Ints = std::vector<std::int32_t>;
 using Doubles = std::vector<double>;
+
+// The steps in the order of an analysis.
+ProsodyResult AnalyzeProsody(LanguageType language, const AlignmentResult& alignment,
+                             std::span<const std::int16_t> samples, Ints frame_pitch,
+                             const ToneScorer& scorer, double previous_ratio) {
+  ProsodyResult result;
+  result.pitch = MeasurePitch(language, alignment, std::move(frame_pitch), scorer);
+  result.words = WordSpansOf(alignment);
+  result.syllable_duration = SyllableDurations(alignment);
+  result.intensity = MeasureIntensity(alignment, samples, previous_ratio);
+  result.utterance_pitch_segments = CountUtterancePitchSegments(alignment, result);
+  DrawContours(alignment, result);
+  return result;
+}
 
 class ProsodyVectors : public testing::TestWithParam<int> {
  protected:
