@@ -8,6 +8,7 @@
 #include "core/AlignedAudio.h"
 #include "core/AnalyzedAudio.h"
 #include "grading/GradedAudio.h"
+#include "recognition/CheckModelFile.h"
 #include "recognition/ModelFileType.h"
 #include "storage/AnnotatedAudio.h"
 #include "storage/HLYFile.h"

@@ -54,6 +54,8 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
 
   // Loads one network (docs/formats/model.md). Returns its version, -1 on failure; a type that
   // names no model comes back as it is, and nothing is loaded. Refused while an analysis runs.
+  // Takes files that must not be used: call veral3::CheckModelFile (recognition/CheckModelFile.h)
+  // first.
   static int LoadModelFile(const char* path, ModelFileType type);
 
   // Adds a candidate sentence. Returns the number of sentences so far (1 to 8); -1 when there are

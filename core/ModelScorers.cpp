@@ -2,6 +2,7 @@
 
 namespace veral3 {
 
+static_assert(kPhonemeInputSize == DLPhonClassifier::kInputs);
 static_assert(kToneFeatureCount == DLCTToneClassifier::kInputs);
 static_assert(kToneClassCount == DLCTToneClassifier::kTones);
 static_assert(kGoodnessFeatureCount == UGClassifier::kInputs);

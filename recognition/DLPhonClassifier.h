@@ -2,10 +2,12 @@
 
 #include "recognition/VectorClassifier.h"
 
-// Scores the phonemes of a set for one aligned segment from 16 of its MFCC frames (624 floats).
+// Scores the phonemes of a set for one aligned segment from 16 of its MFCC frames (kInputs floats).
 // Loading is for one thread alone; classifying is const, any number of threads may.
 class DLPhonClassifier {
  public:
+  static constexpr int kInputs = 624;
+
   DLPhonClassifier();
 
   // As DLFrameClassifier::LoadFromFile.

@@ -2,7 +2,8 @@
 
 #include <cstdint>
 
-// Which model a file holds. LoadModelFile hands any other value back unchanged and loads nothing.
+// Which model a file holds. LoadModelFile hands any other value back unchanged and loads nothing;
+// CheckModelFile refuses it.
 enum ModelFileType : std::int32_t {
   kFrameModelEnglish = 0,      // 195 inputs, 111 phoneme states
   kFrameModelChinese = 1,      // 195 inputs, 99 phoneme states

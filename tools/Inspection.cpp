@@ -4,25 +4,19 @@
 #include <array>
 #include <charconv>
 #include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "common/MessageWriter.h"
-#include "core/PhonemeDistributions.h"
 #include "recognition/CPhonemeSet.h"
-#include "recognition/DLCTToneClassifier.h"
-#include "recognition/FrameScores.h"
-#include "recognition/UGClassifier.h"
+#include "recognition/ModelFit.h"
 #include "recognition/VeralDictionary.h"
-#include "recognition/keras/KerasModel.h"
-#include "recognition/keras/LayerConv2D.h"
-#include "recognition/keras/LayerDense.h"
+#include "recognition/keras/Layer.h"
+#include "recognition/keras/ModelOutline.h"
 #include "storage/SavedAlignedAudio.h"
 #include "tools/AudioFile.h"
 #include "tools/Checksum.h"
 #include "tools/EngineMessages.h"
 #include "tools/Languages.h"
-#include "tools/ModelCheck.h"
 #include "tools/Numbers.h"
 #include "tools/TutorFile.h"
 
@@ -33,6 +27,8 @@ constexpr std::array<LanguageType, 3> kLanguages = {kLanguageEnglish, kLanguageC
                                                     kLanguageJapanese};
 
 constexpr std::uintmax_t kMaxFileSize = std::uintmax_t{1} << 30;
+constexpr std::uintmax_t kMaxDictionarySize = std::uintmax_t{1} << 26;  // it is read whole
+constexpr std::size_t kHeadSize = 512;  // tells the kinds of file apart
 
 std::string DateText(std::uint32_t date) {
   std::string digits = std::to_string(date);
@@ -91,63 +87,73 @@ const char* ActivationName(char code) {
   }
 }
 
-OrderedJson LayerJson(const keras::Layer& layer) {
+OrderedJson LayerJson(const keras::LayerOutline& layer) {
   OrderedJson json;
-  if (const auto* dense = dynamic_cast<const keras::LayerDense*>(&layer)) {
-    json["kind"] = "dense";
-    json["inputs"] = dense->get_input_cols();
-    json["outputs"] = dense->get_output_units();
-    json["activation"] = ActivationName(dense->activation());
-    return json;
+  switch (layer.kind) {
+    case keras::kDense:
+      json["kind"] = "dense";
+      json["inputs"] = layer.cols;
+      json["outputs"] = layer.outputs;
+      json["activation"] = ActivationName(layer.activation);
+      break;
+    case keras::kConv2D:
+      json["kind"] = "convolution";
+      json["rows"] = layer.rows;
+      json["columns"] = layer.cols;
+      json["outputs"] = layer.outputs;
+      json["activation"] = ActivationName(layer.activation);
+      break;
+    case keras::kMaxPooling:
+      json["kind"] = "max pooling";
+      break;
+    case keras::kFlatten:
+      json["kind"] = "flatten";
+      break;
+    default:
+      json["kind"] = "dropout";
   }
-  if (const auto* conv = dynamic_cast<const keras::LayerConv2D*>(&layer)) {
-    json["kind"] = "convolution";
-    json["rows"] = conv->get_input_rows();
-    json["columns"] = conv->get_input_cols();
-    json["outputs"] = conv->get_output_units();
-    json["activation"] = ActivationName(conv->activation());
-    return json;
-  }
-  json["kind"] = layer.type() == keras::kMaxPooling ? "max pooling"
-                 : layer.type() == keras::kFlatten  ? "flatten"
-                                                    : "dropout";
   return json;
 }
 
-// The models of the engine whose inputs and outputs these are.
-OrderedJson UsesOf(const keras::KerasModel& model) {
-  OrderedJson uses = OrderedJson::array();
-  const auto fits = [&](std::size_t inputs, int outputs) {
-    return model.is_dense_chain(static_cast<std::int32_t>(inputs), outputs);
-  };
-  for (const LanguageType language : kLanguages) {
-    const int symbols = PhonemeSetOf(language)->GetSize();
-    const std::string name(LanguageName(language));
-    if (fits(kFrameInputSize, 3 * symbols)) uses.push_back("frames, " + name);
-    if (fits(kPhonemeInputSize, symbols)) uses.push_back("phonemes, " + name);
+const char* UseName(ModelFileType type) {
+  switch (type) {
+    case kFrameModelEnglish:
+      return "frames, English";
+    case kFrameModelChinese:
+      return "frames, Chinese";
+    case kFrameModelJapanese:
+      return "frames, Japanese";
+    case kPhonemeModelEnglish:
+      return "phonemes, English";
+    case kPhonemeModelChinese:
+      return "phonemes, Chinese";
+    case kPhonemeModelJapanese:
+      return "phonemes, Japanese";
+    case kToneModelChinese:
+      return "tones";
+    case kUttGoodnessModel:
+      break;
   }
-  if (fits(DLCTToneClassifier::kInputs, DLCTToneClassifier::kTones)) uses.push_back("tones");
-  if (fits(UGClassifier::kInputs, UGClassifier::kOutputs)) uses.push_back("utterance goodness");
-  return uses;
+  return "utterance goodness";
 }
 
 std::string AddModel(const std::filesystem::path& path, OrderedJson& json) {
-  if (std::string problem = ModelProblem(path); !problem.empty()) return problem;
-  const EngineMessages messages;
-  keras::KerasModel model;
-  if (model.load_binary_weights(path.string(), false) != 0) return messages.OneLine();
-  if (model.layer_count() == 0) return "it has no layers";
-  json["version"] = model.version();
+  std::ifstream file(path, std::ios::binary);
+  keras::ModelOutline model;
+  if (const keras::ModelFault fault = keras::ReadModelOutline(file, model)) return fault.fault;
   OrderedJson layers = OrderedJson::array();
-  std::size_t weights = 0;
-  for (std::size_t i = 0; i < model.layer_count(); ++i) {
-    layers.push_back(LayerJson(*model.layer(i)));
-    if (const auto* dense = dynamic_cast<const keras::LayerDense*>(model.layer(i))) {
-      weights += dense->weights().size() + dense->bias().size();
-    }
+  std::uint64_t weights = 0;
+  for (const keras::LayerOutline& layer : model.layers) {
+    layers.push_back(LayerJson(layer));
+    if (layer.kind == keras::kDense) weights += layer.numbers;
   }
+  OrderedJson uses = OrderedJson::array();
+  for (const ModelNeeds& needs : AllModelNeeds()) {
+    if (!Misfit(model, needs)) uses.push_back(UseName(needs.type));
+  }
+  json["version"] = model.version;
   json["dense_weights"] = weights;
-  json["fits"] = UsesOf(model);
+  json["fits"] = std::move(uses);
   json["layers"] = std::move(layers);
   return "";
 }
@@ -215,9 +221,20 @@ void AddDictionary(const std::filesystem::path& path, const std::vector<std::str
   json["unusable_pronunciations"] = unusable;
 }
 
-std::string ReadWhole(const std::filesystem::path& path) {
+std::string ReadHead(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::string head(kHeadSize, '\0');
+  file.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<std::size_t>(file.gcount()));
+  return head;
+}
+
+// Names the kind, and tells the bytes by their checksum.
+void AddKind(const std::filesystem::path& path, const char* kind, OrderedJson& json) {
+  std::ifstream file(path, std::ios::binary);
+  json["kind"] = kind;
+  json["size_bytes"] = std::filesystem::file_size(path);
+  json["sha256"] = Hexadecimal(Sha256(file));
 }
 
 std::string ValueText(const OrderedJson& value) {
@@ -240,31 +257,34 @@ Result<OrderedJson> Inspect(const std::filesystem::path& path) {
     return Failure::Failure(std::move(problem));
   }
   std::error_code error;
-  if (std::filesystem::file_size(path, error) > kMaxFileSize && !error) {
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (size > kMaxFileSize && !error) {
     return Failure::Failure("is larger than any file of the engine's (1 GiB)");
   }
   OrderedJson json;
   json["file"] = path.string();
-  json["kind"] = "";
-  const std::string bytes = ReadWhole(path);
-  json["size_bytes"] = bytes.size();
-  json["sha256"] = Hexadecimal(Sha256(bytes));
+  const std::string bytes = ReadHead(path);
   if (const auto head = FirstFields(bytes); IsDictionaryHead(head)) {
-    json["kind"] = "dictionary";
+    if (size > kMaxDictionarySize) {
+      return Failure::Failure("begins as a dictionary, but is larger than any (64 MiB)");
+    }
+    AddKind(path, "dictionary", json);
     AddDictionary(path, head, json);
     return json;
   }
   if (bytes.starts_with("RIFF")) {
     Result<TutorFile> tutor = LoadTutor(path);
     if (!tutor) return Failure::Failure(tutor.Error());
-    json["kind"] = "tutor file";
+    AddKind(path, "tutor file", json);
     AddTutor(*tutor, json);
     return json;
   }
-  if (const std::string problem = AddModel(path, json); !problem.empty()) {
+  OrderedJson model;
+  if (const std::string problem = AddModel(path, model); !problem.empty()) {
     return Failure::Failure("is no tutor file, no dictionary and no model (" + problem + ")");
   }
-  json["kind"] = "model";
+  AddKind(path, "model", json);
+  json.update(model);
   return json;
 }
 

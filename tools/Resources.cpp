@@ -7,11 +7,11 @@
 
 #include "core/AnalyzedAudio.h"
 #include "recognition/CPhonemeSet.h"
+#include "recognition/CheckModelFile.h"
 #include "recognition/Dictionaries.h"
 #include "recognition/Models.h"
 #include "tools/EngineMessages.h"
 #include "tools/Languages.h"
-#include "tools/ModelCheck.h"
 
 namespace veral3::tools {
 namespace {
@@ -62,11 +62,11 @@ std::vector<OptionalModel> OptionalModelsOf(LanguageType language) {
 // Why the model cannot be used, "" when it is loaded.
 std::string LoadModel(const std::filesystem::path& model, ModelFileType type,
                       const EngineMessages& messages) {
-  std::string problem = ModelProblem(model);
+  std::string problem = CheckModelFile(model.c_str(), type);
   if (problem.empty() && AnalyzedAudio::LoadModelFile(model.c_str(), type) < 0) {
-    problem = messages.OneLine();
+    problem = model.string() + " cannot be used: " + messages.OneLine();
   }
-  return problem.empty() ? "" : "the model " + model.string() + " cannot be used: " + problem;
+  return problem;
 }
 
 // The folders that may have resources: the one given, else that of the installation.

@@ -3,6 +3,7 @@
 #include <sndfile.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -77,6 +78,21 @@ std::string Pack(const TutorFile& tutor) {
   return bytes;
 }
 
+// An intensity of the record that no recording has, in words that follow "holds"; "" without one.
+// Checksums vouch for what was written, not for who wrote it.
+std::string IntensityProblem(const TutorFile& tutor) {
+  const AlignInfo info = DecodeAlignInfo(tutor.record);
+  if (!HasSoundCounts(info)) return "";
+  for (int i = 0; i < info.num_syllables; ++i) {
+    const float intensity = info.syllable_intensity[static_cast<std::size_t>(i)];
+    const std::string of = "intensity of syllable " + std::to_string(i + 1);
+    if (std::isnan(intensity)) return "an " + of + " that is not a number";
+    if (std::isinf(intensity)) return "an infinite " + of;
+    if (intensity < 0.0F) return "a negative " + of;
+  }
+  return "";
+}
+
 // What is wrong with a tutor, in words that follow "holds"; "" when nothing is.
 std::string ProblemOf(TutorFile& tutor) {
   if (tutor.language < kLanguageEnglish || tutor.language > kLanguageJapanese) {
@@ -93,6 +109,7 @@ std::string ProblemOf(TutorFile& tutor) {
   }
   if (tutor.samples.empty()) return "no sound";
   if (tutor.samples.size() > kMaxTutorSamples) return "more than 5.4 minutes of sound";
+  if (std::string problem = IntensityProblem(tutor); !problem.empty()) return problem;
   const EngineMessages messages;
   HLYFile file = AsHLYFile(tutor);
   SavedAlignedAudio saved(tutor.language);

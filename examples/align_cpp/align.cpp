@@ -68,10 +68,13 @@ int main(int argc, char** argv) {
     if (text.find("rror") != text.npos) std::fprintf(stderr, "%s", std::string(text).c_str());
   });
   AnalyzedAudio::LoadResourceInFolderPath(resources.c_str());
-  if (AnalyzedAudio::LoadModelFile((resources + "EnglishFrame.model").c_str(), kFrameModelEnglish) <
-      0) {
+  const std::string model = resources + "EnglishFrame.model";
+  if (const std::string fault = veral3::CheckModelFile(model.c_str(), kFrameModelEnglish);
+      !fault.empty()) {
+    std::fprintf(stderr, "%s\n", fault.c_str());
     return 1;
   }
+  if (AnalyzedAudio::LoadModelFile(model.c_str(), kFrameModelEnglish) < 0) return 1;
 
   AnalyzedAudio audio(kLanguageEnglish);
   if (audio.AddPossibleSentence(argv[2]) < 0) return 1;

@@ -4,6 +4,7 @@
 
 #include "SmallResources.h"
 #include "support/SmallEngine.h"
+#include "tools/Checksum.h"
 
 namespace veral3::tools {
 namespace {
@@ -147,6 +148,41 @@ TEST_F(Grade, TutorsThatCannotBeUsed) {
     EXPECT_THAT(ReadFile(Path("page.html")), HasSubstr("Not graded: "));
   }
   EXPECT_EQ(GradeEnglish({"--tutor", Path("cut.wav"), Path("en_learner.wav")}).status, 1);
+}
+
+// Loudness that is infinite, no number or negative, in a file that is whole otherwise.
+TEST_F(Grade, AForgedTutorIsRefusedInOneSentence) {
+  ASSERT_EQ(
+      Run("tutor", "en", {"--text", m_sentence, Path("en_tutor.wav"), "-o", Path("tutor.wav")})
+          .status,
+      0);
+  const std::string good = ReadFile(Path("tutor.wav"));
+  const std::size_t chunk = good.find("vrl3") + 8;
+  const auto number = [&](std::size_t at) {
+    return static_cast<unsigned char>(good[chunk + at]) +
+           256 * static_cast<unsigned char>(good[chunk + at + 1]);
+  };
+  const std::size_t content = static_cast<std::size_t>(number(4)) - sizeof(Sha256Digest);
+  for (const auto& [bytes, what] :
+       {std::pair{std::string("\0\0\x80\x7F", 4), "an infinite intensity of syllable 1"},
+        std::pair{std::string("\0\0\xC0\x7F", 4),
+                  "an intensity of syllable 1 that is not a number"},
+        std::pair{std::string("\0\0\x80\xBF", 4), "a negative intensity of syllable 1"}}) {
+    std::string forged = good;
+    forged.replace(chunk + 64 + 1036, 4, bytes);
+    const Sha256Digest digest = Sha256(std::string_view(forged).substr(chunk, content));
+    forged.replace(chunk + content, digest.size(), std::string(digest.begin(), digest.end()));
+    WriteFile(Path("forged.wav"), forged);
+    const std::string problem = std::string("is a tutor file that holds ") + what + "\n";
+    const ProcessResult result =
+        GradeEnglish({"--tutor", Path("forged.wav"), Path("en_learner.wav")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "veral3: " + Path("forged.wav") + " " + problem);
+    EXPECT_THAT(result.out, IsEmpty());
+    const ProcessResult inspected = RunVeral3({"inspect", Path("forged.wav")});
+    EXPECT_EQ(inspected.status, 1);
+    EXPECT_EQ(inspected.err, "veral3: " + Path("forged.wav") + ": " + problem);
+  }
 }
 
 TEST_F(Grade, LearnersThatFailDoNotStopTheOthers) {

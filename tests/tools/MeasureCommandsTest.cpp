@@ -100,7 +100,8 @@ TEST_F(Analyze, ADamagedModelStopsItBeforeAnyRecording) {
   WriteFile(Path("res/UttGoodness.model"), "no model");
   const ProcessResult result = Run("analyze", "en", {"--text", "a apple", Path("none.wav")});
   EXPECT_EQ(result.status, 2);
-  EXPECT_THAT(result.err, HasSubstr("UttGoodness.model cannot be used: "));
+  EXPECT_THAT(result.err,
+              HasSubstr("UttGoodness.model cannot be used as the utterance goodness model: "));
   EXPECT_THAT(result.err, Not(HasSubstr("none.wav")));
 }
 

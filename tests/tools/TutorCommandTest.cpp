@@ -306,6 +306,56 @@ TEST_F(InspectCommand, DamagedFilesOfOurs) {
   }
 }
 
+// A network that no use of the engine's takes is still a model; one that cannot be looked at is
+// none.
+TEST_F(InspectCommand, ModelsThatAreFitForNothing) {
+  std::string relu = ReadFile(Path("res/EnglishFrame.model"));
+  relu[13] = 'r';  // the last layer's activation
+  WriteFile(Path("relu.model"), relu);
+  EXPECT_EQ(InspectJson({Path("relu.model")})["fits"], json::array());
+  std::string infinite = relu;
+  infinite.replace(23, 4, std::string("\0\0\x80\x7F", 4));  // the first weight
+  WriteFile(Path("infinite.model"), infinite);
+  EXPECT_EQ(InspectJson({Path("infinite.model")}, 1)["error"],
+            "is no tutor file, no dictionary and no model (layer 1 has a weight that is infinite)");
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long kMostMemory = 4 << 20;  // kB; a sanitizer's own is in it
+#else
+constexpr long kMostMemory = 500 << 10;  // that of the tests, which start the command, is in it
+#endif
+
+TEST_F(InspectCommand, AFileOfAGigabyteIsNotReadIntoMemory) {
+  WriteFile(Path("model"), ReadFile(Path("res/ChineseTone.model")));
+  WriteFile(Path("dictionary"), "VERAL 3 EN_KEP5 9\n");
+  WriteFile(Path("recording"), "RIFF");
+  WriteFile(Path("zeros"), "");
+  const std::pair<const char*, const char*> cases[] = {
+      {"dictionary", "begins as a dictionary, but is larger than any (64 MiB)"},
+      {"recording", "is no tutor file: "},
+      {"zeros", "is no tutor file, no dictionary and no model (it has no layers)"}};
+  for (const auto& [name, error] : cases) {
+    std::filesystem::resize_file(Path(name), std::uintmax_t{1} << 30);
+    const ProcessResult result = RunVeral3({"inspect", Path(name)});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, StartsWith("veral3: " + Path(name) + ": " + error));
+    EXPECT_LE(result.max_resident_kb, kMostMemory) << name;
+  }
+  // What stands behind a model is none of it.
+  std::filesystem::resize_file(Path("model"), std::uintmax_t{1} << 30);
+  const ProcessResult model = RunVeral3({"inspect", Path("model")});
+  EXPECT_EQ(model.status, 0);
+  EXPECT_THAT(model.out, AllOf(HasSubstr("  kind                    model\n"),
+                               HasSubstr("  size bytes              1073741824\n"),
+                               HasSubstr("  fits                    tones\n")));
+  EXPECT_LE(model.max_resident_kb, kMostMemory);
+
+  std::filesystem::resize_file(Path("zeros"), (std::uintmax_t{1} << 30) + 1);
+  EXPECT_EQ(RunVeral3({"inspect", Path("zeros")}).err,
+            "veral3: " + Path("zeros") + ": is larger than any file of the engine's (1 GiB)\n");
+}
+
 TEST_F(InspectCommand, TheShippedResources) {
   const std::string manifest = ReadFile(kSource / "resources/MANIFEST");
   for (const auto& entry : std::filesystem::directory_iterator(kSource / "resources")) {

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -357,6 +359,43 @@ TEST_F(TutorFileTest, RecordsThatDoNotBelong) {
             "is a tutor file that holds a sentence that is not UTF-8");
 }
 
+// A file whose checksums are right may still come from somebody who means harm.
+TEST_F(TutorFileTest, IntensitiesThatNoRecordingHas) {
+  const TutorFile tutor = MakeTutor();
+  const std::string bytes = Written(tutor);
+  const auto with_intensity = [&](float first, float second) {
+    AlignInfo info = DecodeAlignInfo(tutor.record);
+    info.num_syllables = 2;
+    info.syllable_intensity[0] = first;
+    info.syllable_intensity[1] = second;
+    return EncodeAlignInfo(info);
+  };
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  for (const auto& [value, problem] :
+       {std::pair{kInfinity, "an infinite intensity of syllable 2"},
+        std::pair{-kInfinity, "an infinite intensity of syllable 2"},
+        std::pair{std::nanf(""), "an intensity of syllable 2 that is not a number"},
+        std::pair{-1.0F, "a negative intensity of syllable 2"},
+        std::pair{-1e-30F, "a negative intensity of syllable 2"}}) {
+    TutorFile changed = tutor;
+    changed.record = with_intensity(1e9F, value);
+    EXPECT_EQ(WriteTutor(m_path, changed), std::string("is not written: it would hold ") + problem);
+    EXPECT_EQ(ReadFile(m_path), bytes);
+    EXPECT_EQ(ErrorOf(WithChunk(bytes,
+                                [&](std::string& chunk) {
+                                  std::ranges::copy(changed.record, chunk.begin() + 64);
+                                })),
+              std::string("is a tutor file that holds ") + problem);
+    WriteFile(m_path, bytes);
+  }
+  for (const float value : {0.0F, -0.0F, 1e-40F, 3e38F}) {
+    TutorFile changed = tutor;
+    changed.record = with_intensity(value, value);
+    EXPECT_EQ(WriteTutor(m_path, changed), "");
+    EXPECT_TRUE(LoadTutor(m_path));
+  }
+}
+
 TEST_F(TutorFileTest, WhatCannotBeATutorIsNotWritten) {
   const std::string before = Written(MakeTutor());
   const auto refused = [&](const std::function<void(TutorFile&)>& change) {
@@ -382,6 +421,15 @@ TEST_F(TutorFileTest, WhatCannotBeATutorIsNotWritten) {
   EXPECT_EQ(ReadFile(m_path), before);
   EXPECT_THAT(WriteTutor(m_folder.Path() / "no" / "tutor.wav", MakeTutor()),
               StartsWith("cannot be written: "));
+}
+
+TEST(Checksum, OfAStreamIsThatOfItsBytes) {
+  std::string bytes;
+  for (const std::size_t size : {0u, 1u, 65535u, 65536u, 65537u, 200000u}) {
+    while (bytes.size() < size) bytes += static_cast<char>(bytes.size() * 7 + bytes.size() / 256);
+    std::istringstream file(bytes);
+    EXPECT_EQ(Sha256(file), Sha256(bytes)) << size;
+  }
 }
 
 TEST(Checksum, OfKnownTexts) {
