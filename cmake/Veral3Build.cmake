@@ -28,6 +28,10 @@ if(VERAL3_SANITIZE)
                       -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${VERAL3_SANITIZE})
 endif()
+if(VERAL3_BUILD_FUZZERS)
+  # The engine's own objects too: a fuzzer finds its way by the counters in what it calls.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 
 set(VERAL3_MODULES "" CACHE INTERNAL "folders that make up the library")
 set(VERAL3_PUBLIC_HEADERS Veral3.h CACHE INTERNAL "headers that are installed")

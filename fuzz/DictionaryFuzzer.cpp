@@ -1,9 +1,9 @@
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "common/Messages.h"
 #include "common/Unicode.h"
 #include "recognition/VeralDictionary.h"
@@ -17,9 +17,7 @@ constexpr std::string_view kEnglish =
     "FIVE 1 ? 1 1 0 fYv\nHUNDRED 1 ? 2 10 0 3 hVndr@d\nONE 1 ? 1 1 0 wVn\nTWENTY 1 ? 2 10 0 4 "
     "twEnti\n";
 
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
+using veral3::fuzz::Require;
 
 void Check(const veral3::WordEntry& entry) {
   for (const veral3::Pronunciation& one : entry.pronunciations) {

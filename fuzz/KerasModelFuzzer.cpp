@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "ByteSource.h"
 #include "common/MessageWriter.h"
 #include "recognition/keras/KerasModel.h"
 
@@ -15,41 +16,15 @@
 // loads is evaluated; all vector kernels must give the bits of the plain loop.
 namespace {
 
+using veral3::fuzz::ByteSource;
+
 struct Ended {};  // an undefined activation ends the process: thrown in its place
-
-class Source {
- public:
-  Source(const std::uint8_t* data, std::size_t size) : m_data(data), m_left(size) {}
-
-  std::size_t Left() const { return m_left; }
-
-  std::uint8_t Byte() {
-    if (m_left == 0) return 0;
-    --m_left;
-    return *m_data++;
-  }
-
-  // A number of any kind; a short code for the usual ones, so that little input goes a long way.
-  float Number() {
-    const std::uint8_t code = Byte();
-    if (code < 96) return 0.0f;
-    if (code < 112) return -0.0f;
-    if (code < 240) return static_cast<float>(static_cast<int>(code) - 176) / 64.0f;
-    std::uint32_t bits = 0;
-    for (int i = 0; i < 4; ++i) bits = bits << 8 | Byte();
-    return std::bit_cast<float>(bits);
-  }
-
- private:
-  const std::uint8_t* m_data;
-  std::size_t m_left;
-};
 
 void AppendInt(std::string& bytes, std::uint32_t value) {
   for (int i = 0; i < 4; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
 }
 
-void AppendGroup(std::string& bytes, Source& source, std::size_t count) {
+void AppendGroup(std::string& bytes, ByteSource& source, std::size_t count) {
   bytes += '[';
   for (std::size_t i = 0; i < count; ++i) {
     AppendInt(bytes, std::bit_cast<std::uint32_t>(source.Number()));
@@ -57,7 +32,7 @@ void AppendGroup(std::string& bytes, Source& source, std::size_t count) {
   bytes += ']';
 }
 
-std::string DenseFile(Source& source) {
+std::string DenseFile(ByteSource& source) {
   constexpr char kCodes[] = {'r', 'r', 'r', 'x', 'g', 't'};
   std::string bytes;
   const std::size_t layers = 1 + source.Byte() % 3;
@@ -78,7 +53,7 @@ std::string DenseFile(Source& source) {
   return bytes;
 }
 
-void CompareKernels(const keras::KerasModel& model, Source& source) {
+void CompareKernels(const keras::KerasModel& model, ByteSource& source) {
   const std::int32_t inputs = model.get_input_cols();
   std::int32_t outputs = inputs;
   for (std::size_t l = 0; l < model.layer_count(); ++l) {
@@ -105,7 +80,7 @@ void CompareKernels(const keras::KerasModel& model, Source& source) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   veral3::SetMessageHandler([](veral3::MessageStream, std::string_view) {});
   veral3::SetEndProcessHandler([](int) { throw Ended(); });
-  Source source(data, size);
+  ByteSource source(data, size);
   const bool dense = source.Byte() % 2 == 1;
   std::string bytes;
   if (dense) {
@@ -124,7 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     cube.allocate3(5, 6, 3);
     for (int n = 0; n < 90; ++n) cube.data3[0][0][n] = n % 7 - 3.0;  // one block
     model.compute_output(cube, false);
-    Source values(data, size);
+    ByteSource values(data, size);
     CompareKernels(model, dense ? source : values);
   } catch (const Ended&) {
   }
