@@ -175,8 +175,7 @@ int WordPenalty(const Rules& rules, const LearnerView& learner, const std::vecto
       if (Get(theirs, s, T{}) >= Get(theirs, b, T{})) b = s;
     }
     const auto divisor = static_cast<double>(Get(theirs, a, T{}));
-    Ref(contrast, w) =
-        divisor == 0.0 ? 1e10 : static_cast<double>(Get(theirs, b, T{})) / divisor;
+    Ref(contrast, w) = divisor == 0.0 ? 1e10 : static_cast<double>(Get(theirs, b, T{})) / divisor;
     if (a == b) continue;
     if (Ref(contrast, w) > rules.word_bound) count += 1;
     syllables.Off(a, rules.word_points, rules.word_learner);
@@ -269,11 +268,14 @@ class Grading {
   }
 
   void Timing() {
-    Syllables syllables{std::vector<int>(std::size_t(m_count), 100), std::string(std::size_t(m_count), '-')};
+    Syllables syllables{std::vector<int>(std::size_t(m_count), 100),
+                        std::string(std::size_t(m_count), '-')};
     TimingPercent();
-    int u = UtterancePenalty(kTiming, BestThree(m_learner.syllable_duration, Measured(m_learner.syllable_duration), false),
-                             BestThree(m_tutor.syllable_duration, Measured(m_tutor.syllable_duration), false), m_count,
-                             syllables);
+    int u = UtterancePenalty(
+        kTiming,
+        BestThree(m_learner.syllable_duration, Measured(m_learner.syllable_duration), false),
+        BestThree(m_tutor.syllable_duration, Measured(m_tutor.syllable_duration), false), m_count,
+        syllables);
     Weigh(syllables.score, m_learner.goodness);
     m.pause.assign(std::size_t(m_count), false);
     for (int s = 1; s < m_count; ++s) {
@@ -338,7 +340,8 @@ class Grading {
   }
 
   void Intensity() {
-    Syllables syllables{std::vector<int>(std::size_t(m_count), 100), std::string(std::size_t(m_count), '-')};
+    Syllables syllables{std::vector<int>(std::size_t(m_count), 100),
+                        std::string(std::size_t(m_count), '-')};
     IntensityPercent();
     int u = 0;
     int w = 0;
@@ -402,7 +405,8 @@ class Grading {
   }
 
   void EnglishPitch() {
-    Syllables syllables{std::vector<int>(std::size_t(m_count), 100), std::string(std::size_t(m_count), '-')};
+    Syllables syllables{std::vector<int>(std::size_t(m_count), 100),
+                        std::string(std::size_t(m_count), '-')};
     const auto& mine = m_learner.syllable_pitch;
     const auto& theirs = m_tutor.syllable_pitch;
     int u = UtterancePenalty(kPitch, BestThree(mine, Measured(mine), true),
@@ -489,8 +493,8 @@ class Grading {
       }
       int score = 0;
       if (count[1] == 0) {
-        const bool allowed = (m_language == kJapanese && count[0] == 1) ||
-                             (m_language == kEnglish && count[0] >= 1);
+        const bool allowed =
+            (m_language == kJapanese && count[0] == 1) || (m_language == kEnglish && count[0] >= 1);
         if (!allowed) return false;
         score = average[0];
       } else if (count[0] > 0 && count[2] > 0) {
@@ -543,8 +547,7 @@ class Grading {
         {0.5, 0.2, 0.2, 0.1}, {1, 0, 0, 0}, {0.85, 0.05, 0.05, 0.05}, {0.75, 0.1, 0.1, 0.05}};
     const int row = m_count <= 3 ? m_count : 0;
     const double* const w = m_language == kChinese ? chinese[row] : others[row];
-    double total =
-        m.pronunciation * w[0] + m.pitch * w[1] + m.timing * w[2] + m.intensity * w[3];
+    double total = m.pronunciation * w[0] + m.pitch * w[1] + m.timing * w[2] + m.intensity * w[3];
     m.factor = m_probability > 0.0 ? 1.0 / (1.0 - std::log(m_probability)) : 0.0;
     if (m.factor < 1.0) {
       total *= m.factor;
