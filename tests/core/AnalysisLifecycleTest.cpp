@@ -238,8 +238,8 @@ class HandMadeAnalysis : public testing::Test {
       const int amplitude = loud ? 100 : 10;
       m_samples.push_back(static_cast<std::int16_t>(random >> 31 == 0 ? amplitude : -amplitude));
     }
-    auto alignment = std::make_shared<AlignmentResult>(
-        test::MakeAlignment(kFrames, {{'A', 10, 20}, {'k', 25, 35}, {'I', 40, 50}}, {0, 2}, {0, 2}));
+    auto alignment = std::make_shared<AlignmentResult>(test::MakeAlignment(
+        kFrames, {{'A', 10, 20}, {'k', 25, 35}, {'I', 40, 50}}, {0, 2}, {0, 2}));
     alignment->matched_sentence_index = 0;
     alignment->num_samples = kCount;
     alignment->mfcc.assign(static_cast<std::size_t>(kFrames) * 39, 0.5F);
@@ -402,7 +402,8 @@ TEST_F(HandMadeAnalysis, FrameExamplesAreLoudAboveATenthOfTheSpeech) {
     std::fill_n(alignment->mfcc.begin() + static_cast<std::ptrdiff_t>(frame * 39), 39,
                 static_cast<float>(frame));
   }
-  alignment->path = {{'A', 0, true, 0, 0, 0}, {'-', 0, false, 0, 1, 660}, {'$', 0, false, 0, 2, 1320}};
+  alignment->path = {
+      {'A', 0, true, 0, 0, 0}, {'-', 0, false, 0, 1, 660}, {'$', 0, false, 0, 2, 1320}};
   auto prosody = std::make_shared<ProsodyResult>();
   prosody->intensity.mean_speech = 1000.0;
   prosody->intensity.frame = {100.5, 100.0, 99.5, 100.5, 100.0, 99.5, 0.0};
