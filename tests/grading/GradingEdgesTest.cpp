@@ -89,13 +89,13 @@ TEST_F(GradingBounds, WeightsByTheNumberOfSyllables) {
     LanguageType language;
     int syllables;
     double total;
-  } rows[] = {{kLanguageEnglish, 1, 1000000.0},      {kLanguageEnglish, 2, 850505.05},
-              {kLanguageEnglish, 3, 751010.05},      {kLanguageEnglish, 4, 502020.1},
-              {kLanguageEnglish, 0, 502020.1},       {kLanguageEnglish, -1, 502020.1},
-              {kLanguageJapanese, 1, 1000000.0},     {kLanguageJapanese, 3, 751010.05},
-              {kLanguageChinese, 1, 703000.0},       {kLanguageChinese, 2, 702005.05},
-              {kLanguageChinese, 3, 652010.05},      {kLanguageChinese, 4, 502020.1},
-              {kLanguageChinese, 0, 502020.1},       {kLanguageChinese, 500, 502020.1}};
+  } rows[] = {{kLanguageEnglish, 1, 1000000.0},  {kLanguageEnglish, 2, 850505.05},
+              {kLanguageEnglish, 3, 751010.05},  {kLanguageEnglish, 4, 502020.1},
+              {kLanguageEnglish, 0, 502020.1},   {kLanguageEnglish, -1, 502020.1},
+              {kLanguageJapanese, 1, 1000000.0}, {kLanguageJapanese, 3, 751010.05},
+              {kLanguageChinese, 1, 703000.0},   {kLanguageChinese, 2, 702005.05},
+              {kLanguageChinese, 3, 652010.05},  {kLanguageChinese, 4, 502020.1},
+              {kLanguageChinese, 0, 502020.1},   {kLanguageChinese, 500, 502020.1}};
   for (const auto& row : rows) {
     EXPECT_NEAR(CombineScores(row.language, row.syllables, scores), row.total, 1e-6)
         << row.language << " " << row.syllables;
@@ -351,11 +351,11 @@ TEST_F(GradingBounds, ChineseLoudnessAtItsBounds) {
   EXPECT_EQ(grade(1), (Grade{64, "-"}));   // (0.01 - 0.00065) x 100 / 0.014502 = 64.47
   EXPECT_EQ(grade(0), (Grade{0, "L"}));
   EXPECT_EQ(grade(101), (Grade{100, "-"}));
-  EXPECT_EQ(grade(6599), (Grade{100, "-"}));     // 0.0151538
-  EXPECT_EQ(grade(6600), (Grade{99, "-"}));      // 0.0151515 is below 0.015152
-  EXPECT_EQ(grade(10693), (Grade{60, "-"}));     // 60.005
-  EXPECT_EQ(grade(10694), (Grade{59, "h"}));     // 59.999
-  EXPECT_EQ(grade(153846), (Grade{0, "h"}));     // just above 0.00065
+  EXPECT_EQ(grade(6599), (Grade{100, "-"}));  // 0.0151538
+  EXPECT_EQ(grade(6600), (Grade{99, "-"}));   // 0.0151515 is below 0.015152
+  EXPECT_EQ(grade(10693), (Grade{60, "-"}));  // 60.005
+  EXPECT_EQ(grade(10694), (Grade{59, "h"}));  // 59.999
+  EXPECT_EQ(grade(153846), (Grade{0, "h"}));  // just above 0.00065
   EXPECT_EQ(grade(153847), (Grade{0, "H"}));
   EXPECT_EQ(grade(1000000000), (Grade{0, "H"}));
   std::string advice = "x";
@@ -395,8 +395,7 @@ TEST_F(GradingBounds, SyllablesOfManyPhonemes) {
   EXPECT_EQ(CombineSyllable(english, kLanguageEnglish, "ssssssA", scores), 52);  // 4 + 48
   EXPECT_EQ(m_messages.All(), "");
   EXPECT_EQ(CombineSyllable(english, kLanguageEnglish, "ssssssAtt", scores), 52);
-  EXPECT_EQ(m_messages.Of(MessageStream::kError),
-            "WARNING! Too many phonemes in a syllable:9\n");
+  EXPECT_EQ(m_messages.Of(MessageStream::kError), "WARNING! Too many phonemes in a syllable:9\n");
 }
 
 TEST_F(GradingBounds, WordsOfOneAndOfSeveralSyllables) {
