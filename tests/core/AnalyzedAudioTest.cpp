@@ -3,10 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "signal/WebRtcNs.h"
 #include "support/MessageCapture.h"
 #include "support/SmallEngine.h"
 #include "support/Vectors.h"
@@ -319,6 +323,49 @@ TEST_F(AnalyzedAudioTest, ModelThatDoesNotLoadLeavesNone) {
   EXPECT_GE(AnalyzedAudio::LoadModelFile(model.c_str(), kFrameModelJapanese), 0);
   samples = test::ChainRecording("ja_learner");
   EXPECT_EQ(Align(audio, samples), 0);
+}
+
+// The suppressor as its library has it, block by block: 16000 Hz, 160 samples, rounded to nearest.
+TEST_F(AnalyzedAudioTest, NoiseReductionRunsTheSuppressor) {
+  const Samples noisy = test::NoiseBursts(160 * 60 + 37, 5);
+  for (int policy = 0; policy <= 3; ++policy) {
+    Samples expected = noisy;
+    NsHandle* const suppressor = WebRtcNs_Create();
+    ASSERT_EQ(WebRtcNs_Init(suppressor, 16000), 0);
+    ASSERT_EQ(WebRtcNs_set_policy(suppressor, policy), 0);
+    for (std::size_t block = 0; block < 60; ++block) {
+      std::array<float, 160> values;
+      std::copy_n(expected.begin() + static_cast<std::ptrdiff_t>(160 * block), 160, values.begin());
+      const float* in = values.data();
+      float* out = values.data();
+      WebRtcNs_Analyze(suppressor, values.data());
+      WebRtcNs_Process(suppressor, &in, 1, &out);
+      for (std::size_t i = 0; i < 160; ++i) {
+        const float cut = std::min(std::max(values[i], -32768.0F), 32767.0F);
+        expected[160 * block + i] = static_cast<std::int16_t>(std::lround(cut));
+      }
+    }
+    WebRtcNs_Free(suppressor);
+    Samples samples = noisy;
+    EXPECT_EQ(AnalyzedAudio::NoiseReduction(samples.data(),
+                                            static_cast<std::uint32_t>(samples.size()), policy),
+              1);
+    EXPECT_EQ(samples, expected) << policy;
+    EXPECT_NE(samples, noisy) << policy;
+  }
+  EXPECT_EQ(m_messages.All(), "");
+}
+
+TEST_F(AnalyzedAudioTest, NoiseReductionRefuses) {
+  Samples samples = test::NoiseBursts(1600, 5);
+  const Samples before = samples;
+  EXPECT_EQ(AnalyzedAudio::NoiseReduction(nullptr, 1600, 1), -1);
+  EXPECT_EQ(AnalyzedAudio::NoiseReduction(samples.data(), 0, 1), -1);
+  EXPECT_EQ(m_messages.StandardOutput(), "");
+  EXPECT_EQ(AnalyzedAudio::NoiseReduction(samples.data(), 1600, 4), -1);
+  EXPECT_EQ(m_messages.StandardOutput(), "WebRtcNs_set_policy fail\n");
+  EXPECT_EQ(AnalyzedAudio::NoiseReduction(samples.data(), 159, 1), 1);
+  EXPECT_EQ(samples, before);
 }
 
 TEST_F(AnalyzedAudioTest, OneRecordingOneResult) {

@@ -97,6 +97,25 @@ TEST(Classifiers, ReferenceModelsLoad) {
   }
 }
 
+TEST(Classifiers, LoadedLines) {
+  const struct {
+    const char* kind;
+    int inputs, outputs;
+    const char* line;
+  } rows[] = {{"frame", 195, 111, "FC Model loaded: ["},
+              {"phon", 624, 37, "PC Model loaded: ["},
+              {"tone", 68, 5, "TC Model loaded: ["},
+              {"good", 16, 2, "UGC Model loaded: ["}};
+  for (const auto& row : rows) {
+    const ScratchFolder folder;
+    const std::string path = DenseFile(folder, row.inputs, row.outputs, 'o', 0.5, 0.0, 17);
+    const MessageCapture messages;
+    EXPECT_EQ(LoadKind(row.kind, path), 17);
+    EXPECT_EQ(messages.Of(MessageStream::kError), row.line + path + "];\tVersion = [17]\n");
+    EXPECT_EQ(messages.All(), messages.Of(MessageStream::kError));
+  }
+}
+
 TEST(Classifiers, FilesThatDoNotOpen) {
   {
     MessageCapture messages;

@@ -50,6 +50,41 @@ TEST(PitchDetector, Grid) {
   EXPECT_EQ(track->max_candidates, 15);
 }
 
+// Two periods of the floor, 588 samples at 75 Hz: as long a sound has one frame, a shorter one
+// none, and each further step of 147 samples one more.
+TEST(PitchDetector, TheWindowIs588Samples) {
+  for (const auto& [samples, frames] :
+       {std::pair{588U, 1}, {600U, 1}, {734U, 1}, {736U, 2}, {881U, 2}, {883U, 3}, {22000U, 146}}) {
+    const auto track = Detect(Buzz(samples, 200.0), 75.0, 450.0);
+    ASSERT_NE(track, nullptr) << samples;
+    EXPECT_EQ(track->nx, frames) << samples;
+  }
+  const MessageCapture messages;
+  EXPECT_EQ(Detect(Buzz(587, 200.0), 75.0, 450.0), nullptr);
+  EXPECT_EQ(messages.Of(MessageStream::kError),
+            "For this Sound, the parameter 'minimum pitch'\nmay not be less than 75.127768 Hz.\n");
+}
+
+// Of them 586 are read, as many before the centre as after it: of 660 those from 37 to 622.
+TEST(PitchDetector, AFrameReads586Samples) {
+  const std::vector<std::int16_t> sound = Buzz(660, 200.0);
+  const auto candidates = [](const std::vector<std::int16_t>& samples) {
+    const auto track = Detect(samples, 75.0, 450.0);
+    std::vector<double> values;
+    for (const CPraPitchCandidate& candidate : track->frames.at(0).candidates) {
+      values.push_back(candidate.frequency);
+      values.push_back(candidate.strength);
+    }
+    return values;
+  };
+  const std::vector<double> expected = candidates(sound);
+  for (std::size_t at = 0; at < 660; ++at) {
+    std::vector<std::int16_t> other = sound;
+    other[at] = static_cast<std::int16_t>(other[at] + 500);
+    EXPECT_EQ(candidates(other) != expected, at >= 37 && at <= 622) << at;
+  }
+}
+
 TEST(PitchDetector, CandidatesOfAFrame) {
   const auto track = Detect(Buzz(5000, 200.0), 75.0, 450.0);
   ASSERT_NE(track, nullptr);
