@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <span>
 #include <utility>
 #include <vector>
@@ -40,8 +41,8 @@ int Guarded(const char* operation, Step step) noexcept {
 }
 
 bool IsUsable(const AnalysisState* state, const char* operation) {
-  if (state && state->phoneme_set && state->dictionary) return true;
-  Report(operation, "unknown Language Type");
+  if (state && state->phoneme_set) return true;
+  Report(operation, state ? "unknown Language Type" : "memory ran out when the object was made");
   return false;
 }
 
@@ -72,7 +73,7 @@ void ForgetMeasurements(AnalysisState& state) {
   state.waveform = nullptr;
   state.signal_noise_ratio = 0.0;
   state.num_samples = 0;
-  state.result = std::make_shared<AlignmentResult>();
+  state.result = nullptr;
 }
 
 bool IsAligned(const AnalysisState& state, const std::int16_t* samples, const char* operation) {
@@ -127,32 +128,34 @@ int AlignWith(const ViterbiAligner& aligner, AnalysisState& state, std::uint32_t
 
 AnalyzedAudio::AnalyzedAudio(LanguageType language) {
   Guarded("AnalyzedAudio", [&] {
-    m_state = std::make_unique<AnalysisState>();
-    m_state->language = language;
-    m_state->phoneme_set = veral3::PhonemeSetOf(language);
-    if (!m_state->phoneme_set) {
+    auto state = std::make_unique<AnalysisState>();
+    state->language = language;
+    state->phoneme_set = veral3::PhonemeSetOf(language);
+    state->dictionary = veral3::DictionaryOf(language);
+    if (!state->phoneme_set) {
       Message(MessageStream::kError)
           << "Error in AnalyzedAudio::AnalyzedAudio(), unknown Language Type\n";
-      return -1;
     }
-    m_state->dictionary = veral3::DictionaryOf(language);
+    m_state = std::move(state);
     return 0;
   });
 }
 
 AnalyzedAudio::AnalyzedAudio(const AnalyzedAudio& other) : AlignedAudio(other) {
-  Guarded("AnalyzedAudio", [&] {
-    if (other.m_state) m_state = std::make_unique<AnalysisState>(*other.m_state);
-    return 0;
-  });
+  Assign("AnalyzedAudio", other);
 }
 
 AnalyzedAudio& AnalyzedAudio::operator=(const AnalyzedAudio& other) {
-  if (this != &other) {
-    AnalyzedAudio copy(other);
-    std::swap(m_state, copy.m_state);
-  }
+  Assign("operator=", other);
   return *this;
+}
+
+bool AnalyzedAudio::Assign(const char* operation, const AnalyzedAudio& other) {
+  if (this == &other) return true;
+  return Guarded(operation, [&] {
+           m_state = other.m_state ? std::make_unique<AnalysisState>(*other.m_state) : nullptr;
+           return 0;
+         }) == 0;
 }
 
 AnalyzedAudio::~AnalyzedAudio() = default;
@@ -171,6 +174,7 @@ int AnalyzedAudio::LoadModelFile(const char* path, ModelFileType type) {
 int AnalyzedAudio::AddPossibleSentence(CString sentence) {
   return Guarded("AddPossibleSentence", [&] {
     if (!IsUsable(m_state.get(), "AddPossibleSentence")) return -1;
+    if (sentence.IsLost()) throw std::bad_alloc();
     AnalysisState& state = *m_state;
     if (state.num_possible_sentences >= veral3::kMaxPossibleSentences) {
       Message(MessageStream::kError)
@@ -308,14 +312,10 @@ void AnalyzedAudio::PrepareUttGoodnessFeatures(double* features) {
 }
 
 double AnalyzedAudio::GetProbOfGoodAlignment() {
-  double probability = 0.0;
+  double probability = -1.0;
   Guarded("GetProbOfGoodAlignment", [&] {
-    if (!IsUsable(m_state.get(), "GetProbOfGoodAlignment")) return -1;
-    const veral3::ModelsInUse models_in_use;
-    veral3::GoodnessFeatures features{};
-    PrepareUttGoodnessFeatures(features.data());
-    probability = veral3::ProbabilityOfGoodAlignment(
-        features, veral3::ScorerOf(veral3::GoodnessClassifier()));
+    const bool usable = IsUsable(m_state.get(), "GetProbOfGoodAlignment");
+    probability = usable ? veral3::ProbabilityOfGoodAlignment(*m_state) : 0.0;
     return 0;
   });
   return probability;
