@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -15,27 +16,34 @@
 //
 // Positions and counts are in characters. A position outside the text is never an error: the part
 // that lies inside it counts.
+//
+// Copies share their text: copying needs no memory. Where making or changing a text finds none, the
+// string reads as empty from then on and IsLost() tells it from an empty text; the engine refuses
+// such a sentence. Nothing throws but Utf8(), whose std::string is the caller's.
 class VERAL3_API CString {
  public:
   CString() = default;
-  CString(const wchar_t* text);     // null reads as empty
-  CString(const char* utf8);        // null reads as empty
-  CString(std::wstring_view text);  // copied
-  CString(std::string_view utf8);   // decoded; bad bytes become U+FFFD
-  CString(const std::wstring& text) : CString(std::wstring_view(text)) {}
-  CString(const std::string& utf8) : CString(std::string_view(utf8)) {}
+  CString(const wchar_t* text) noexcept;     // null reads as empty
+  CString(const char* utf8) noexcept;        // null reads as empty
+  CString(std::wstring_view text) noexcept;  // copied
+  CString(std::string_view utf8) noexcept;   // decoded; bad bytes become U+FFFD
+  CString(const std::wstring& text) noexcept : CString(std::wstring_view(text)) {}
+  CString(const std::string& utf8) noexcept : CString(std::string_view(utf8)) {}
 
-  int GetLength() const { return static_cast<int>(m_str.size()); }
-  bool IsEmpty() const { return m_str.empty(); }
-  void Empty() { m_str.clear(); }
+  int GetLength() const { return static_cast<int>(Text().size()); }
+  bool IsEmpty() const { return Text().empty(); }
+  void Empty() { *this = CString(); }
+
+  // Whether memory ran out for the text.
+  bool IsLost() const { return m_lost; }
 
   // The character at `index`, L'\0' outside the text.
   wchar_t GetAt(int index) const;
   wchar_t operator[](int index) const { return GetAt(index); }
 
   // Zero-terminated text; valid until the string changes or ends.
-  const wchar_t* GetString() const { return m_str.c_str(); }
-  operator std::wstring_view() const { return m_str; }
+  const wchar_t* GetString() const { return m_str ? m_str->c_str() : L""; }
+  operator std::wstring_view() const { return Text(); }
   std::string Utf8() const;
 
   // Negative, zero or positive, by character code (case matters).
@@ -57,12 +65,21 @@ class VERAL3_API CString {
   CString& operator+=(wchar_t c);
   friend CString operator+(CString a, std::wstring_view b) { return a += b; }
 
-  friend bool operator==(const CString& a, const CString& b) { return a.m_str == b.m_str; }
-  friend bool operator==(const CString& a, const wchar_t* b) { return a == CString(b); }
+  friend bool operator==(const CString& a, const CString& b) { return a.Text() == b.Text(); }
+  friend bool operator==(const CString& a, const wchar_t* b) {
+    return a.Text() == std::wstring_view(b ? b : L"");
+  }
   friend std::strong_ordering operator<=>(const CString& a, const CString& b) {
-    return a.Compare(b.m_str) <=> 0;
+    return a.Compare(b) <=> 0;
   }
 
  private:
-  std::wstring m_str;
+  std::wstring_view Text() const { return m_str ? std::wstring_view(*m_str) : std::wstring_view(); }
+
+  // Takes over what `make` returns, a std::wstring.
+  template <typename Make>
+  void Hold(Make make) noexcept;
+
+  std::shared_ptr<const std::wstring> m_str;  // null: empty; never changed, copies have it too
+  bool m_lost = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 
 #include "common/MessageWriter.h"
 
@@ -17,6 +18,8 @@ template <typename Step>
 int Guarded(const char* class_name, const char* operation, Step step) noexcept {
   try {
     return step();
+  } catch (const std::bad_alloc&) {
+    ReportError(class_name, operation, "out of memory");
   } catch (const std::exception& error) {
     ReportError(class_name, operation, error.what());
   } catch (...) {

@@ -1,8 +1,10 @@
 #include "common/Messages.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "common/MessageWriter.h"
@@ -17,11 +19,16 @@ struct Sink {
   std::function<void(int)> end_process;
 };
 
-// Never destroyed: messages may come from destructors of other static objects.
+// Never destroyed: messages may come from destructors of other static objects. In a place of its
+// own: messages tell of memory that ran out.
 Sink& TheSink() {
-  static Sink& sink = *new Sink;
+  alignas(Sink) static std::byte place[sizeof(Sink)];
+  static Sink& sink = *new (place) Sink;
   return sink;
 }
+
+constexpr std::size_t kMaxText = std::size_t{1} << 30;  // bytes of a message
+constexpr std::string_view kCut = "...\n(cut: out of memory)\n";
 
 std::FILE* FileOf(MessageStream stream) {
   switch (stream) {
@@ -56,7 +63,38 @@ void WriteMessage(MessageStream stream, std::string_view text) noexcept {
   }
 }
 
-void Message::AppendWide(std::wstring_view text) { m_text << Utf8FromWide(text); }
+MessageBuffer::MessageBuffer() {
+  setp(m_short.data(), m_short.data() + m_short.size() - kCut.size());
+}
+
+MessageBuffer::int_type MessageBuffer::overflow(int_type c) {
+  if (!m_whole || traits_type::eq_int_type(c, traits_type::eof())) return traits_type::eof();
+  const auto length = static_cast<std::size_t>(pptr() - pbase());
+  const std::size_t size = 2 * (length + kCut.size());
+  std::unique_ptr<char[]> longer(size > kMaxText ? nullptr : new (std::nothrow) char[size]);
+  if (!longer) {
+    m_whole = false;
+    return traits_type::eof();
+  }
+  std::copy(pbase(), pptr(), longer.get());
+  m_long = std::move(longer);
+  setp(m_long.get(), m_long.get() + size - kCut.size());
+  pbump(static_cast<int>(length));
+  return sputc(traits_type::to_char_type(c));
+}
+
+std::string_view MessageBuffer::Finish() {
+  if (m_whole) return {pbase(), pptr()};
+  char* end = pptr();
+  // A character of several bytes may have lost some: it goes.
+  while (end > pbase() && (static_cast<unsigned char>(end[-1]) & 0xC0U) == 0x80U) --end;
+  if (end > pbase() && static_cast<unsigned char>(end[-1]) >= 0xC0U) --end;
+  return {pbase(), std::copy(kCut.begin(), kCut.end(), end)};
+}
+
+void Message::AppendWide(std::wstring_view text) {
+  for (const wchar_t c : text) m_text << Utf8Character(c).View();
+}
 
 void EndProcess(int status) {
   if (TheSink().end_process) TheSink().end_process(status);

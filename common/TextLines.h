@@ -14,10 +14,14 @@ namespace veral3 {
 //   lines << i << "," << probability;
 //   lines.End();
 //
-// A line reaches the stream when it ends, line end (one character 10) included.
+// A line reaches the stream when it ends, line end (one character 10) included, and whole: where
+// memory runs out for it, std::bad_alloc comes out.
 class TextLines {
  public:
-  explicit TextLines(std::ostream& out) : m_out(out) { m_line.imbue(std::locale::classic()); }
+  explicit TextLines(std::ostream& out) : m_out(out) {
+    m_line.imbue(std::locale::classic());
+    m_line.exceptions(std::ios::badbit);
+  }
   TextLines(const TextLines&) = delete;
   TextLines& operator=(const TextLines&) = delete;
 

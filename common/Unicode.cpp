@@ -37,14 +37,15 @@ std::wstring WideFromUtf8(std::string_view utf8) {
 std::string Utf8FromWide(std::wstring_view wide) {
   std::string utf8;
   utf8.reserve(wide.size());
-  for (const wchar_t c : wide) {
-    utf8proc_uint8_t bytes[4];
-    const auto code_point = IsCodePoint(c) ? static_cast<utf8proc_int32_t>(c)
-                                           : static_cast<utf8proc_int32_t>(kReplacement);
-    const auto length = utf8proc_encode_char(code_point, bytes);
-    utf8.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
-  }
+  for (const wchar_t c : wide) utf8 += Utf8Character(c).View();
   return utf8;
+}
+
+Utf8Character::Utf8Character(wchar_t c) {
+  const auto code_point = IsCodePoint(c) ? static_cast<utf8proc_int32_t>(c)
+                                         : static_cast<utf8proc_int32_t>(kReplacement);
+  m_length = static_cast<std::size_t>(
+      utf8proc_encode_char(code_point, reinterpret_cast<utf8proc_uint8_t*>(m_bytes)));
 }
 
 wchar_t UpperCase(wchar_t c) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,17 @@ std::wstring WideFromUtf8(std::string_view utf8);
 
 // Encodes as UTF-8. A wchar_t that is no code point (a surrogate, beyond U+10FFFF) becomes U+FFFD.
 std::string Utf8FromWide(std::wstring_view wide);
+
+// One character of Utf8FromWide; needs no memory.
+class Utf8Character {
+ public:
+  explicit Utf8Character(wchar_t c);
+  std::string_view View() const { return {m_bytes, m_length}; }
+
+ private:
+  char m_bytes[4];
+  std::size_t m_length;
+};
 
 // Upper case of one character, one to one: U+00DF stays, since its upper case has two letters.
 wchar_t UpperCase(wchar_t c);

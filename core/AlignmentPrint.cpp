@@ -1,5 +1,7 @@
 #include "core/AlignmentPrint.h"
 
+#include <new>
+
 #include "common/MessageWriter.h"
 #include "core/AlignInfo.h"
 #include "core/FrameSpan.h"
@@ -46,6 +48,7 @@ void PrintAlignment(AlignedAudio& audio, std::string_view sounds_like,
        [&](int i) { return audio.GetPitchContour(i); });
   List(out, "S_volume_contour", kAlignInfoContourPoints,
        [&](int i) { return audio.GetIntensityContour(i); });
+  if (!out.IsWhole()) throw std::bad_alloc();
 }
 
 }  // namespace veral3

@@ -15,8 +15,9 @@ bool Refuse(const char* operation, const char* what) {
 }  // namespace
 
 bool IsUsable(const AnalysisState* state, const char* operation) {
-  if (state && state->phoneme_set && state->dictionary) return true;
-  return Refuse(operation, "unknown Language Type");
+  if (state && state->phoneme_set) return true;
+  return Refuse(operation,
+                state ? "unknown Language Type" : "memory ran out when the object was made");
 }
 
 bool AreSamples(std::uint32_t num_samples, const std::int16_t* samples, const char* operation) {

@@ -1,6 +1,7 @@
 #include "core/AnalyzedAudio.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "common/Guarded.h"
@@ -67,32 +68,34 @@ int AlignWith(const ViterbiAligner& aligner, AnalysisState& state, std::uint32_t
 
 AnalyzedAudio::AnalyzedAudio(LanguageType language) {
   Guarded("AnalyzedAudio", [&] {
-    m_state = std::make_unique<AnalysisState>();
-    m_state->language = language;
-    m_state->phoneme_set = veral3::PhonemeSetOf(language);
-    if (!m_state->phoneme_set) {
+    auto state = std::make_unique<AnalysisState>();
+    state->language = language;
+    state->phoneme_set = veral3::PhonemeSetOf(language);
+    state->dictionary = veral3::DictionaryOf(language);
+    if (!state->phoneme_set) {
       Message(MessageStream::kError)
           << "Error in AnalyzedAudio::AnalyzedAudio(), unknown Language Type\n";
-      return -1;
     }
-    m_state->dictionary = veral3::DictionaryOf(language);
+    m_state = std::move(state);
     return 0;
   });
 }
 
 AnalyzedAudio::AnalyzedAudio(const AnalyzedAudio& other) : AlignedAudio(other) {
-  Guarded("AnalyzedAudio", [&] {
-    if (other.m_state) m_state = std::make_unique<AnalysisState>(*other.m_state);
-    return 0;
-  });
+  Assign("AnalyzedAudio", other);
 }
 
 AnalyzedAudio& AnalyzedAudio::operator=(const AnalyzedAudio& other) {
-  if (this != &other) {
-    AnalyzedAudio copy(other);
-    std::swap(m_state, copy.m_state);
-  }
+  Assign("operator=", other);
   return *this;
+}
+
+bool AnalyzedAudio::Assign(const char* operation, const AnalyzedAudio& other) {
+  if (this == &other) return true;
+  return Guarded(operation, [&] {
+           m_state = other.m_state ? std::make_unique<AnalysisState>(*other.m_state) : nullptr;
+           return 0;
+         }) == 0;
 }
 
 AnalyzedAudio::~AnalyzedAudio() = default;
@@ -111,6 +114,7 @@ int AnalyzedAudio::LoadModelFile(const char* path, ModelFileType type) {
 int AnalyzedAudio::AddPossibleSentence(CString sentence) {
   return Guarded("AddPossibleSentence", [&] {
     if (!IsUsable(m_state.get(), "AddPossibleSentence")) return -1;
+    if (sentence.IsLost()) throw std::bad_alloc();
     AnalysisState& state = *m_state;
     if (state.num_possible_sentences >= veral3::kMaxPossibleSentences) {
       Message(MessageStream::kError)
@@ -182,14 +186,10 @@ void AnalyzedAudio::PrepareUttGoodnessFeatures(double* features) {
 }
 
 double AnalyzedAudio::GetProbOfGoodAlignment() {
-  double probability = 0.0;
+  double probability = -1.0;
   Guarded("GetProbOfGoodAlignment", [&] {
-    if (!IsUsable(m_state.get(), "GetProbOfGoodAlignment")) return -1;
-    const veral3::ModelsInUse models_in_use;
-    veral3::GoodnessFeatures features{};
-    PrepareUttGoodnessFeatures(features.data());
-    probability = veral3::ProbabilityOfGoodAlignment(
-        features, veral3::ScorerOf(veral3::GoodnessClassifier()));
+    const bool usable = IsUsable(m_state.get(), "GetProbOfGoodAlignment");
+    probability = usable ? veral3::ProbabilityOfGoodAlignment(*m_state) : 0.0;
     return 0;
   });
   return probability;

@@ -33,6 +33,11 @@ struct AnalysisState;
 // same to the last bit whatever runs beside them.
 //
 // A copy shares the results of its source, and neither is changed by what becomes of the other.
+//
+// Memory: where it runs out, an operation writes a message and answers negative, and can be tried
+// again; an assignment leaves its target as it was, and an object that could not be made or copied
+// refuses every operation. What the front end takes for its own heaps is the exception: there the
+// process ends, with status 5105.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
@@ -50,6 +55,7 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // Loads the three dictionaries KEN-UTF8Order.txt, KCN-UTF8Order.txt and KJP-UTF8Order.txt. The
   // file names are put directly behind `folder` (UTF-8), so it must end with its separator. What
   // is missing is reported; the others load. Objects made before keep the dictionary they had.
+  // Where memory runs out, all three stay as they were.
   static void LoadResourceInFolderPath(const char* folder);
 
   // Loads one network (docs/formats/model.md). Returns its version, -1 on failure; a type that
@@ -61,7 +67,8 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // Adds a candidate sentence. Returns the number of sentences so far (1 to 8); -1 when there are
   // 8 already; -101 for a text that begins with a bar and a blank, -200 and -300 for a bad inline
   // pronunciation or an unknown inline segment, -400 for bad inline digits, -500 for more than 256
-  // words. A word that the dictionary lacks is reported and passed over.
+  // words; -1 also when memory runs out. A word that the dictionary lacks is reported and passed
+  // over.
   int AddPossibleSentence(CString sentence);
 
   // Finds the sentence that was read and where each of its phonemes lies. The samples are
@@ -152,7 +159,8 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // Writes the NUM_UTT_GOODNESS_FEATURES inputs of the goodness classifier.
   void PrepareUttGoodnessFeatures(double* features);
 
-  // Probability that the recording is a reading of the sentence at all; 0 without a model.
+  // Probability that the recording is a reading of the sentence at all; 0 without a model, -1 when
+  // memory runs out.
   double GetProbOfGoodAlignment();
 
   static constexpr int NUM_UTT_GOODNESS_FEATURES = 16;
@@ -227,6 +235,10 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
  protected:
   // What the engine's own derived classes read; null only if memory ran out at construction.
   const veral3::AnalysisState* State() const { return m_state.get(); }
+
+  // Assigns `other` for `operation`; false, after a message and with nothing changed, when memory
+  // ran out.
+  bool Assign(const char* operation, const AnalyzedAudio& other);
 
  private:
   int AnalyzeTiming();

@@ -1,5 +1,7 @@
 #include "core/ModelScorers.h"
 
+#include "recognition/Models.h"
+
 namespace veral3 {
 
 static_assert(kPhonemeInputSize == DLPhonClassifier::kInputs);
@@ -35,6 +37,14 @@ GoodnessScorer ScorerOf(const UGClassifier& classifier) {
     if (!classifier.IsLoaded()) return std::nullopt;
     return classifier.ClassifyUtteranceGoodness(features.data());
   };
+}
+
+double ProbabilityOfGoodAlignment(const AnalysisState& state) {
+  const ModelsInUse models_in_use;
+  const GoodnessFeatures features =
+      PrepareGoodnessFeatures(state.language, AlignmentOf(&state), ProsodyOf(&state).intensity,
+                              PronunciationOf(&state), GoodnessOf(&state));
+  return ProbabilityOfGoodAlignment(features, ScorerOf(GoodnessClassifier()));
 }
 
 }  // namespace veral3

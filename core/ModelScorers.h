@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/AnalysisState.h"
 #include "core/Goodness.h"
 #include "core/PhonemeDistributions.h"
 #include "core/Tones.h"
@@ -21,5 +22,8 @@ PhonemeScorer ScorerOf(const DLPhonClassifier* classifier);
 ToneScorer ScorerOf(const DLCTToneClassifier& classifier);
 
 GoodnessScorer ScorerOf(const UGClassifier& classifier);
+
+// What the goodness model that is loaded says of an analysis; 0 with a message without a model.
+double ProbabilityOfGoodAlignment(const AnalysisState& state);
 
 }  // namespace veral3

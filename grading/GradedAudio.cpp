@@ -5,6 +5,7 @@
 
 #include "common/Guarded.h"
 #include "core/AnalysisState.h"
+#include "core/ModelScorers.h"
 #include "grading/GradedResult.h"
 #include "grading/ScoreReport.h"
 
@@ -54,7 +55,7 @@ int Guarded(const char* operation, Step step) noexcept {
 
 bool IsAnalysed(const veral3::AnalysisState* state, const char* operation) {
   if (!state || !state->phoneme_set) {
-    Report(operation, "unknown Language Type");
+    Report(operation, state ? "unknown Language Type" : "memory ran out when the object was made");
     return false;
   }
   if (!state->pronunciation || !state->goodness) {
@@ -74,8 +75,12 @@ GradedResult StartFrom(const GradedResult& earlier) {
 }  // namespace
 
 GradedAudio::GradedAudio(LanguageType language) : AnalyzedAudio(language) {}
-GradedAudio::GradedAudio(const GradedAudio& other) = default;
-GradedAudio& GradedAudio::operator=(const GradedAudio& other) = default;
+GradedAudio::GradedAudio(const GradedAudio& other)
+    : AnalyzedAudio(other), m_graded(State() ? other.m_graded : nullptr) {}
+GradedAudio& GradedAudio::operator=(const GradedAudio& other) {
+  if (Assign("operator=", other)) m_graded = other.m_graded;
+  return *this;
+}
 GradedAudio::~GradedAudio() = default;
 
 int GradedAudio::GradeAgainstTutor(AlignedAudio* tutor) {
@@ -92,7 +97,7 @@ int GradedAudio::GradeAgainstTutor(AlignedAudio* tutor) {
     auto graded = std::make_shared<GradedResult>(StartFrom(OrEmpty(m_graded)));
     const int total = veral3::GradeAgainstTutor(
         LearnerOf(*this, State()), veral3::ViewOf(*tutor),
-        [this] { return GetProbOfGoodAlignment(); }, *graded);
+        [this] { return veral3::ProbabilityOfGoodAlignment(*State()); }, *graded);
     m_graded = std::move(graded);
     return total;
   });
@@ -103,7 +108,8 @@ int GradedAudio::GradePronunOnly() {
     if (!IsAnalysed(State(), "GradePronunOnly")) return -1;
     auto graded = std::make_shared<GradedResult>(StartFrom(OrEmpty(m_graded)));
     const int total = veral3::GradePronunciationOnly(
-        LearnerOf(*this, State()), [this] { return GetProbOfGoodAlignment(); }, *graded);
+        LearnerOf(*this, State()), [this] { return veral3::ProbabilityOfGoodAlignment(*State()); },
+        *graded);
     m_graded = std::move(graded);
     return total;
   });

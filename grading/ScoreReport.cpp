@@ -1,8 +1,6 @@
 #include "grading/ScoreReport.h"
 
-#include <locale>
 #include <ostream>
-#include <sstream>
 
 #include "common/MessageWriter.h"
 #include "common/TextLines.h"
@@ -10,7 +8,7 @@
 namespace veral3 {
 namespace {
 
-void List(std::ostream& out, const char* name, const std::vector<int>& scores) {
+void List(Message& out, const char* name, const std::vector<int>& scores) {
   out << name << " =[";
   for (const int score : scores) out << score << " ";
   out << "]\n";
@@ -25,14 +23,13 @@ T At(const std::vector<T>& values, int index) {
 }  // namespace
 
 void PrintScores(const ReportHead& head, const GradedResult& graded) {
-  std::ostringstream out;
-  out.imbue(std::locale::classic());
+  Message out(MessageStream::kWideOutput);
   if (graded.prob_good_timing < 1.0) {
     out << "// m_dProbOfGoodTiming = " << graded.prob_good_timing << "\n";
   }
   if (head.language == kLanguageEnglish) {
     out << "Sentence Text=[";
-    for (const CString& word : head.words) out << word.Utf8() << " ";
+    for (const CString& word : head.words) out << word << " ";
     out << "]\n";
   }
   out << "================== Scores ==================\n"
@@ -55,7 +52,6 @@ void PrintScores(const ReportHead& head, const GradedResult& graded) {
   List(out, "Timing Score of Word", graded.words.timing);
   List(out, "Intensity Score of Word", graded.words.intensity);
   List(out, "Total Score of Word", graded.words.total);
-  WriteMessage(MessageStream::kWideOutput, out.view());
 }
 
 void WriteUttMismatchTraits(std::ostream& out, std::string_view phonemes, int num_syllables,

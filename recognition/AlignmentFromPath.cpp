@@ -1,6 +1,7 @@
 #include "recognition/AlignmentFromPath.h"
 
 #include <cstddef>
+#include <new>
 
 #include "common/MessageWriter.h"
 
@@ -105,7 +106,9 @@ int FillAlignment(const DecodingNetwork& network, std::span<const WordSequence> 
 
   const WordSequence& sentence = sentences[Index(matched)];
   result.num_words = sentence.Count();
-  for (int i = 0; i < sentence.Count(); ++i) result.words.emplace_back(sentence[i].word);
+  for (int i = 0; i < sentence.Count(); ++i) {
+    if (result.words.emplace_back(sentence[i].word).IsLost()) throw std::bad_alloc();
+  }
   return 0;
 }
 

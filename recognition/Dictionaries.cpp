@@ -1,8 +1,8 @@
 #include "recognition/Dictionaries.h"
 
 #include <array>
-#include <exception>
 #include <mutex>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -61,9 +61,9 @@ void LoadDictionaries(const char* folder) noexcept try {
   const std::lock_guard lock(loaded.mutex);
   // The former ones end behind the lock, if nobody else holds them.
   loaded.dictionaries.swap(dictionaries);
-} catch (const std::exception& error) {
-  Message(MessageStream::kError) << "ERROR in AnalyzedAudio::LoadResourceInFolderPath(), "
-                                 << error.what() << "\n";
+} catch (const std::bad_alloc&) {
+  Message(MessageStream::kError)
+      << "ERROR in AnalyzedAudio::LoadResourceInFolderPath(), out of memory\n";
 }
 
 }  // namespace veral3

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <new>
 
 #include "common/MessageWriter.h"
 #include "recognition/CPhonemeSet.h"
@@ -132,6 +133,9 @@ int LoadModelFile(const char* path, ModelFileType type) {
   }
   try {
     return Load(models, path, type);
+  } catch (const std::bad_alloc&) {
+    Message(MessageStream::kError) << "ERROR in AnalyzedAudio::LoadModelFile(), out of memory\n";
+    return -1;
   } catch (const std::exception& error) {
     Message(MessageStream::kError)
         << "ERROR in AnalyzedAudio::LoadModelFile(), " << error.what() << "\n";

@@ -1,7 +1,6 @@
 #include "recognition/VeralDictionary.h"
 
 #include <algorithm>
-#include <exception>
 #include <string>
 #include <utility>
 
@@ -44,23 +43,13 @@ int Append(std::shared_ptr<const OwnedWordEntry> entry, WordSequence& words) {
 
 }  // namespace
 
-VeralDictionary::VeralDictionary(const char* path) noexcept {
-  try {
-    m_File = veral3::ReadDictionaryFile(path);
-  } catch (const std::exception& error) {
-    m_File = {};
-    Message(MessageStream::kError)
-        << "ERROR in VeralDictionary::VeralDictionary(), " << error.what() << "\n";
-  }
-}
+VeralDictionary::VeralDictionary(const char* path) : m_File(veral3::ReadDictionaryFile(path)) {}
 
-std::shared_ptr<const OwnedWordEntry> VeralDictionary::EntryAt(int index) const noexcept try {
+std::shared_ptr<const OwnedWordEntry> VeralDictionary::EntryAt(int index) const {
   if (index < 0 || index >= GetWordCount()) return nullptr;
   const auto place = static_cast<std::size_t>(index);
   return std::make_shared<const OwnedWordEntry>(veral3::WideFromUtf8(m_File.Word(place)),
                                                 veral3::ParseVariants(m_File, place));
-} catch (const std::exception&) {
-  return nullptr;
 }
 
 int VeralDictionary::FindWord(std::wstring_view word) const {
@@ -86,8 +75,7 @@ std::string_view VeralDictionary::NoteAt(int index) const {
   return veral3::NoteOf(m_File, static_cast<std::size_t>(index));
 }
 
-std::shared_ptr<const OwnedWordEntry> VeralDictionary::LookupWord(
-    std::wstring_view word) const noexcept try {
+std::shared_ptr<const OwnedWordEntry> VeralDictionary::LookupWord(std::wstring_view word) const {
   if (const int index = FindWord(word); index >= 0) {
     auto entry = EntryAt(index);
     if (entry != nullptr && IsUsable(entry->Entry())) return entry;
@@ -95,20 +83,9 @@ std::shared_ptr<const OwnedWordEntry> VeralDictionary::LookupWord(
   Message(MessageStream::kWideError) << "*** Error: Word <" << UpperCased(word)
                                      << "> not found in VeralDictionary::LookupWord()\n";
   return nullptr;
-} catch (const std::exception&) {
-  return nullptr;
 }
 
-int VeralDictionary::LookupSentence(std::wstring_view sentence, WordSequence& words) const noexcept
-    try {
-  return LookupTokens(sentence, words);
-} catch (const std::exception& error) {
-  Message(MessageStream::kError) << "ERROR in VeralDictionary::LookupSentence(), " << error.what()
-                                 << "\n";
-  return kTooManyWords;
-}
-
-int VeralDictionary::LookupTokens(std::wstring_view sentence, WordSequence& words) const {
+int VeralDictionary::LookupSentence(std::wstring_view sentence, WordSequence& words) const {
   if (sentence.starts_with(L"| ")) return -1;
   for (std::size_t position = 0;;) {
     const auto token = veral3::NextSentenceToken(m_File.phoneme_set, sentence, position);

@@ -17,14 +17,14 @@
 //   if (dictionary.LookupSentence(L"I ate 3,500.25 apples", words) < 0) ...
 //
 // Read-only once made: any number of threads may look up at the same time. Entries are made at look
-// up and owned by whoever holds them, so a sequence outlives its dictionary. Nothing throws;
-// running out of memory reads as a word that is not there.
+// up and owned by whoever holds them, so a sequence outlives its dictionary. Nothing throws but
+// std::bad_alloc, which is never taken for a word that is not there.
 class VeralDictionary {
  public:
   VeralDictionary() = default;  // no words, unknown phoneme set
 
   // Loads a dictionary file. Trouble is reported on the error stream and leaves what could be read.
-  explicit VeralDictionary(const char* path) noexcept;
+  explicit VeralDictionary(const char* path);
 
   // Of a file that has been read.
   explicit VeralDictionary(veral3::DictionaryFile file) noexcept : m_File(std::move(file)) {}
@@ -33,7 +33,7 @@ class VeralDictionary {
   int GetPhonemeSet() const { return m_File.phoneme_set; }  // CPhonemeSet's identifier, or 0
 
   // The entry at `index`, in file order, usable or not; null outside.
-  std::shared_ptr<const veral3::OwnedWordEntry> EntryAt(int index) const noexcept;
+  std::shared_ptr<const veral3::OwnedWordEntry> EntryAt(int index) const;
 
   // The index of a word in any case, -1 when it is not there; whether its pronunciations can be
   // used is not looked at.
@@ -45,7 +45,7 @@ class VeralDictionary {
 
   // The entry of a word in any case. Null, with a message on the wide error stream, when there is
   // none with a usable pronunciation.
-  std::shared_ptr<const veral3::OwnedWordEntry> LookupWord(std::wstring_view word) const noexcept;
+  std::shared_ptr<const veral3::OwnedWordEntry> LookupWord(std::wstring_view word) const;
 
   // Appends the words of `sentence`. 0, or
   //   -1    it begins with "|" and a blank
@@ -54,7 +54,7 @@ class VeralDictionary {
   //   -300  an inline digits segment is bad or has a word that is not there
   //   -400  more than WordSequence::kMaxWords words
   // The words before the failure stay. Missing words of plain text are reported and passed over.
-  int LookupSentence(std::wstring_view sentence, veral3::WordSequence& words) const noexcept;
+  int LookupSentence(std::wstring_view sentence, veral3::WordSequence& words) const;
 
   // Parses one pronunciation, from place `start` of `line` (UTF-8) on, in the notation of the
   // dictionary's phoneme set (see recognition/PronunciationParser.h) into the slot of an entry that
@@ -76,7 +76,6 @@ class VeralDictionary {
   int GetNextIndexOfVaildChar(std::wstring_view text, int start) const;
 
  private:
-  int LookupTokens(std::wstring_view sentence, veral3::WordSequence& words) const;
   int AppendWord(std::wstring_view word, veral3::WordSequence& words) const;
   int AppendNumber(std::wstring_view number, veral3::WordSequence& words) const;
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <exception>
 #include <limits>
 #include <new>
 #include <string>
@@ -118,9 +117,10 @@ std::unique_ptr<CPraPitch> CPraAutoCorrPDA::Analyze(std::span<const std::int16_t
                                                     double dx, const Settings& settings) const {
   try {
     return MakeTrack(samples, dx, settings);
-  } catch (const std::exception&) {  // of memory: nothing else here throws
+  } catch (const std::bad_alloc&) {
+    // Without a track the recording would read as unvoiced: the caller must hear of it.
     Message(MessageStream::kError) << "Pitch not created.\n";
-    return nullptr;
+    throw;
   }
 }
 

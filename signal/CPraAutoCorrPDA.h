@@ -36,8 +36,8 @@ class CPraAutoCorrPDA {
   virtual ~CPraAutoCorrPDA() = default;
 
   // The track of `n` samples, `dx` seconds apart, the first at time 0. None, and a message on the
-  // standard error stream, when the sound is shorter than two periods of `floor` (Hz), when the
-  // window is too short to hold a few samples, or when memory runs out.
+  // standard error stream, when the sound is shorter than two periods of `floor` (Hz) or when the
+  // window is too short to hold a few samples. When memory runs out: a message and std::bad_alloc.
   virtual std::unique_ptr<CPraPitch> SoundToPitch(const std::int16_t* samples, std::uint32_t n,
                                                   double dx, double time_step, double floor,
                                                   double ceiling) const;

@@ -34,7 +34,8 @@ struct Module {
   MemHeap global_stack;
 };
 Module& TheModule() {
-  static Module& module = *new Module;
+  alignas(Module) static std::byte place[sizeof(Module)];
+  static Module& module = *new (place) Module;
   return module;
 }
 
@@ -92,6 +93,14 @@ void DropBlocks(MemHeap& heap) {
   heap.total_bytes = 0;
 }
 
+void Push(MemHeap& heap, MemBlock block, const char* failure) {
+  try {
+    heap.blocks.push_back(std::move(block));
+  } catch (const std::bad_alloc&) {
+    FatalError(kErrorAllocation, "%s", failure);
+  }
+}
+
 // A new top block with room for `num_elements` elements.
 void AllocBlock(MemHeap& heap, std::size_t num_elements) {
   if (heap.kind != HeapKind::kMheap && heap.kind != HeapKind::kMstak) {
@@ -114,11 +123,7 @@ void AllocBlock(MemHeap& heap, std::size_t num_elements) {
     if (!block.used) FatalError(kErrorAllocation, "AllocBlock: Cannot allocate block used array");
     std::fill_n(block.used.get(), num_bytes, std::uint8_t{0});
   }
-  try {
-    heap.blocks.push_back(std::move(block));
-  } catch (const std::bad_alloc&) {
-    FatalError(kErrorAllocation, "AllocBlock: Cannot allocate Block");
-  }
+  Push(heap, std::move(block), "AllocBlock: Cannot allocate Block");
   heap.total_bytes += num_elements * heap.element_size;
   const double grown =
       static_cast<double>(heap.current_block) * (1.0 + static_cast<double>(heap.growth));
@@ -157,7 +162,7 @@ void* NewOnItsOwn(MemHeap& heap, std::size_t size) {
   block.data = TryAllocate<std::byte>(size);
   if (!block.data) FatalError(kErrorAllocation, "New: memory exhausted");
   void* piece = block.data.get();
-  heap.blocks.push_back(std::move(block));
+  Push(heap, std::move(block), "New: memory exhausted");
   ++heap.live_elements;
   heap.total_bytes += size;
   return piece;

@@ -1,12 +1,14 @@
 #include "signal/HShell.h"
 
+#include <array>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
 #include <iomanip>
-#include <sstream>
+#include <memory>
+#include <new>
 #include <utility>
 
 #include "common/MessageWriter.h"
@@ -25,31 +27,38 @@ std::deque<ConfParam>& AllConfig() {
   return all;
 }
 
-[[gnu::format(printf, 1, 0)]] std::string Format(const char* format, std::va_list args) {
-  std::va_list again;
-  va_copy(again, args);
-  const int length = std::vsnprintf(nullptr, 0, format, args);
-  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-  std::vsnprintf(text.data(), text.size() + 1, format, again);
-  va_end(again);
-  return text;
-}
+// A formatted text. A short one needs no memory, and a long one that finds none is cut: reports
+// tell of memory that ran out.
+class ReportText {
+ public:
+  [[gnu::format(printf, 2, 0)]] ReportText(const char* format, std::va_list args) {
+    std::va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(m_short.data(), m_short.size(), format, args);
+    const std::size_t size = length > 0 ? static_cast<std::size_t>(length) + 1 : 0;
+    if (size > m_short.size()) m_long.reset(new (std::nothrow) char[size]);
+    if (m_long) std::vsnprintf(m_long.get(), size, format, again);
+    va_end(again);
+  }
+  const char* Get() const { return m_long ? m_long.get() : m_short.data(); }
+
+ private:
+  std::array<char, 1024> m_short{};
+  std::unique_ptr<char[]> m_long;
+};
 
 // All reports, in one message each so that those of two threads don't mix.
-void Report(int code, const std::string& text) {
+void Report(int code, const ReportText& text) {
   std::fflush(stdout);
-  std::ostringstream report;
-  report.imbue(std::locale::classic());
-  report << std::showpos;
   if (code > 0) {
-    report << "  ERROR [" << code << "]" << text << "\n FATAL ERROR - Terminating program "
-           << kProgramName << "\n";
-    WriteMessage(MessageStream::kError, report.str());
+    Message(MessageStream::kError)
+        << "  ERROR [" << std::showpos << code << "]" << text.Get()
+        << "\n FATAL ERROR - Terminating program " << kProgramName << "\n";
     if (g_abort_on_error) std::abort();
     ExitToolkit(code);
   }
-  report << " WARNING [" << code << "]" << text << " in " << kProgramName << "\n";
-  WriteMessage(MessageStream::kOutput, report.str());
+  Message(MessageStream::kOutput) << " WARNING [" << std::showpos << code << "]" << text.Get()
+                                  << " in " << kProgramName << "\n";
 }
 
 template <typename T>
@@ -70,7 +79,7 @@ bool Find(const ConfigList& list, std::string_view name, T* value) {
 void ReportError(int code, const char* format, ...) {
   std::va_list args;
   va_start(args, format);
-  const std::string text = Format(format, args);
+  const ReportText text(format, args);
   va_end(args);
   Report(code, text);
 }
@@ -78,7 +87,7 @@ void ReportError(int code, const char* format, ...) {
 void FatalError(int code, const char* format, ...) {
   std::va_list args;
   va_start(args, format);
-  const std::string text = Format(format, args);
+  const ReportText text(format, args);
   va_end(args);
   Report(code, text);
   ExitToolkit(code);
@@ -120,8 +129,7 @@ bool GetConfigBool(const ConfigList& list, std::string_view name, bool* value) {
 
 void PrintConfig() {
   const std::deque<ConfParam>& all = AllConfig();
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
+  Message text(MessageStream::kOutput);
   if (all.empty()) {
     text << "No STISTILA Configuration Parameters Set\n";
   } else {
@@ -149,7 +157,6 @@ void PrintConfig() {
       text << "\n";
     }
   }
-  WriteMessage(MessageStream::kOutput, text.view());
 }
 
 void SetPrintConfigAtExit(bool print) { g_print_config_at_exit = print; }

@@ -43,6 +43,7 @@ ConstVector SharedTable(TableKind kind, int a, int b, int size, F value) {
   for (const Table& table : module.tables) {
     if (table.kind == kind && table.a == a && table.b == b) return table.values;
   }
+  module.tables.reserve(module.tables.size() + 1);  // a table without its entry would be lost
   const Vector values = CreateVector(module.heap, size);
   for (int i = 1; i <= size; ++i) values[i] = static_cast<float>(value(i));
   module.tables.push_back({kind, a, b, values.AsConst()});

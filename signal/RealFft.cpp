@@ -4,6 +4,7 @@
 #include <complex>
 #include <numbers>
 #include <unsupported/Eigen/FFT>
+#include <utility>
 #include <vector>
 
 namespace veral3 {
@@ -14,7 +15,7 @@ struct RealFft::Plan {
   std::vector<std::complex<float>> twiddles;  // exp(-2 pi i k / n), k = 0..n/4
 };
 
-RealFft::RealFft() : m_plan(std::make_unique<Plan>()) {}
+RealFft::RealFft() = default;
 RealFft::~RealFft() = default;
 
 // Even samples as real parts and odd ones as imaginary parts go through one complex transform of
@@ -28,7 +29,9 @@ void RealFft::Forward(std::span<float> x) {
     x[1] = 0.0F;
     return;
   }
-  Plan& plan = *m_plan;
+  // Back at the end: a plan that memory ran out for must not be taken for a whole one.
+  std::unique_ptr<Plan> own = m_plan ? std::move(m_plan) : std::make_unique<Plan>();
+  Plan& plan = *own;
   if (plan.half.size() != half_n) {
     plan.half.resize(half_n);
     plan.twiddles.resize(half_n / 2 + 1);
@@ -60,6 +63,7 @@ void RealFft::Forward(std::span<float> x) {
     x[2 * (half_n - k)] = even_re - turned_re;
     x[2 * (half_n - k) + 1] = turned_im - even_im;
   }
+  m_plan = std::move(own);
 }
 
 RealFft& ThreadRealFft() {

@@ -25,7 +25,7 @@ class RealFft {
 
  private:
   struct Plan;
-  std::unique_ptr<Plan> m_plan;
+  std::unique_ptr<Plan> m_plan;  // of the last length; null before the first
 };
 
 // The calling thread's object.

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <new>
 #include <span>
 #include <string>
 
@@ -62,6 +63,7 @@ int SavedAlignedAudio::LoadFromHLY(HLYFile* file) {
       return -1;
     }
     m_strMatchedSentence = file->GetSentence();
+    if (m_strMatchedSentence.IsLost()) throw std::bad_alloc();
     const int size = file->GetAlignInfoSize();
     constexpr int kSize = static_cast<int>(veral3::kAlignInfoSize);
     if (size < kSize) {

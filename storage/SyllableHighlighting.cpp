@@ -1,5 +1,3 @@
-#include <vector>
-
 #include "core/AlignedAudio.h"
 #include "core/TopSyllables.h"
 
@@ -12,9 +10,8 @@ using veral3::TieGoesTo;
 template <typename T>
 void Find(AlignedAudio& audio, T (AlignedAudio::*measure)(int), TieGoesTo tie, int* first,
           int* second, int* third) {
-  std::vector<T> values;
-  for (int i = 0; i < audio.GetNumOfSyllables(); ++i) values.push_back((audio.*measure)(i));
-  const veral3::TopSyllables top = veral3::FindTopSyllables(std::span<const T>(values), tie);
+  const veral3::TopSyllables top = veral3::FindTopSyllables(
+      audio.GetNumOfSyllables(), tie, [&](int syllable) { return (audio.*measure)(syllable); });
   if (first) *first = top.first;
   if (second) *second = top.second;
   if (third) *third = top.third;

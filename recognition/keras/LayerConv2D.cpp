@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <istream>
-#include <locale>
 #include <ostream>
 #include <span>
 #include <sstream>
@@ -158,8 +157,7 @@ int LayerConv2D::save_binary_weights(std::ostream& file) const {
 }
 
 void LayerConv2D::print_weights() const {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
+  Message text(MessageStream::kOutput);
   text << "Conv2D Layer weights:\n";
   const std::size_t kernels = m_bias.size();
   const std::size_t groups = m_complete ? group_count() : 0;
@@ -171,7 +169,6 @@ void LayerConv2D::print_weights() const {
   text << "Bias:\n";
   for (const double value : m_bias) text << value << " ";
   text << "]\n=====Conv2D Layer weights=====\n";
-  Message(MessageStream::kOutput) << text.view();
 }
 
 std::size_t LayerConv2D::weight_index(std::int32_t r, std::int32_t c, std::int32_t d,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <istream>
-#include <locale>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -153,8 +152,7 @@ int LayerDense::save_binary_weights(std::ostream& file) const {
 }
 
 void LayerDense::print_weights() const {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
+  Message text(MessageStream::kOutput);
   text << "Dense Layer weights:\n";
   const auto inputs = m_complete ? static_cast<std::size_t>(m_inputs) : 0;
   for (std::size_t i = 0; i < inputs; ++i) {
@@ -165,7 +163,6 @@ void LayerDense::print_weights() const {
   text << "Bias:\n";
   for (const double value : m_bias) text << value << " ";
   text << "]\n=====Dense Layer weights=====\n";
-  Message(MessageStream::kOutput) << text.view();
 }
 
 int LayerDense::evaluate(Tensor& tensor, LayerBuffer& buffer) const {

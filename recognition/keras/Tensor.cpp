@@ -54,6 +54,7 @@ void Tensor::release() {
 std::string Tensor::to_string() const {
   std::ostringstream text;
   text.imbue(std::locale::classic());
+  text.exceptions(std::ios::badbit);  // memory that runs out
   if (dims == 1) {
     text << "1-Dimension Tensor: size_x=" << size_x << "\n[";
     for (std::int32_t x = 0; x < size_x && data1; ++x) text << data1[x] << " ";

@@ -233,7 +233,8 @@ class PoorDetector : public CPraAutoCorrPDA {
 TEST(PitchDetector, OutOfMemory) {
   MessageCapture messages;
   const auto samples = Buzz(5000, 200.0);
-  EXPECT_EQ(PoorDetector().SoundToPitch(samples.data(), 5000, kPeriod, 0.0, 75.0, 450.0), nullptr);
+  EXPECT_THROW(PoorDetector().SoundToPitch(samples.data(), 5000, kPeriod, 0.0, 75.0, 450.0),
+               std::bad_alloc);
   EXPECT_EQ(messages.StandardError(), "Pitch not created.\n");
 }
 
