@@ -103,4 +103,9 @@ function(veral3_add_libraries)
           DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/veral3" COMPONENT sdk)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/"
           DESTINATION "${CMAKE_INSTALL_DATADIR}/veral3" COMPONENT sdk)
+  set(documents "${CMAKE_INSTALL_DATADIR}/doc/veral3")
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/NOTICE"
+                "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+          DESTINATION "${documents}" COMPONENT sdk)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${documents}" COMPONENT sdk)
 endfunction()

@@ -4,9 +4,11 @@
 #include <array>
 #include <utility>
 
+#include "common/Unicode.h"
 #include "tools/AlignmentJson.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/PrintableText.h"
 #include "tools/TextCells.h"
 
 namespace veral3::tools {
@@ -38,17 +40,17 @@ const std::vector<Segment>& SegmentsOf(const AlignmentReport& report, Tier tier)
   return report.phonemes;
 }
 
-// `text` with every control character and, where `blanks` says so, every blank replaced.
-std::string Replace(std::string_view text, char control, std::optional<char> blank) {
-  std::string result;
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
-      result += control;
-    } else {
-      result += c == ' ' && blank ? *blank : c;
-    }
-  }
-  return result;
+// ---- CTM ----
+
+// A field between blanks: it has none of any kind, and is not empty. A line that begins with ;; is
+// a comment.
+std::string CtmField(std::string_view text) {
+  std::wstring field = WideFromUtf8(PrintableText(text));
+  std::ranges::replace_if(
+      field, [](wchar_t c) { return IsWideSpace(c) || c == 0xA0 || c == 0x2007 || c == 0x202F; },
+      L'_');
+  if (field.starts_with(L";;")) field.front() = L'_';
+  return field.empty() ? "_" : Utf8FromWide(field);
 }
 
 // ---- table ----
@@ -65,7 +67,7 @@ std::string TableRow(int start, int end, int level, int indent, const std::strin
 
 std::string QuotedForTextGrid(std::string_view text) {
   std::string result = "\"";
-  for (const char c : Replace(text, ' ', std::nullopt)) {
+  for (const char c : PrintableText(text)) {
     result += c;
     if (c == '"') result += c;
   }
@@ -148,13 +150,16 @@ bool HoldsSeveralFiles(Format format) {
 
 std::string Table(const AlignmentReport& report) {
   if (!report.error.empty()) return "";
-  std::string text = report.file + ": " + Fixed(Seconds(report.num_samples), 3) + " s, " +
-                     std::string(LanguageName(report.language)) + "\n";
-  text += "sentence " + std::to_string(report.sentence_index + 1) + ": " + report.sentence + "\n";
+  std::string text = PrintableText(report.file) + ": " + Fixed(Seconds(report.num_samples), 3) +
+                     " s, " + std::string(LanguageName(report.language)) + "\n";
+  text += "sentence " + std::to_string(report.sentence_index + 1) + ": " +
+          PrintableText(report.sentence) + "\n";
   text += "log probability " + Fixed(report.log_probability, 2) + "\n\n";
 
   int indent = kTableIndent;
-  for (const Segment& word : report.words) indent = std::max(indent, DisplayWidth(word.text) + 2);
+  for (const Segment& word : report.words) {
+    indent = std::max(indent, DisplayWidth(PrintableText(word.text)) + 2);
+  }
   const auto heading = [&](const std::string& name) {
     return name + std::string(static_cast<std::size_t>(indent) - name.size(), ' ');
   };
@@ -169,7 +174,7 @@ std::string Table(const AlignmentReport& report) {
   };
   for (const Segment& word : report.words) {
     pause(word.start);
-    text += TableRow(word.start, word.end, 0, indent, word.text);
+    text += TableRow(word.start, word.end, 0, indent, PrintableText(word.text));
     for (int s = 0; s < word.parts && syllable < report.syllables.size(); ++s, ++syllable) {
       const Segment& part = report.syllables[syllable];
       text += TableRow(part.start, part.end, 1, indent, part.text);
@@ -203,13 +208,13 @@ std::string TextGrid(const AlignmentReport& report, const std::vector<Tier>& tie
 
 std::string Ctm(const AlignmentReport& report, std::string_view recording, Tier tier) {
   if (!report.error.empty()) return "";
-  const std::string name = Replace(recording, '_', '_');
+  const std::string name = CtmField(recording);
   std::string text;
   for (const Segment& segment : SegmentsOf(report, tier)) {
     if (segment.end <= segment.start) continue;
     text += name + " 1 " + Fixed(Seconds(segment.start), 3) + " " +
-            Fixed(Seconds(segment.end - segment.start), 3) + " " + Replace(segment.text, '_', '_') +
-            " " + Fixed(segment.confidence, 4) + "\n";
+            Fixed(Seconds(segment.end - segment.start), 3) + " " + CtmField(segment.text) + " " +
+            Fixed(segment.confidence, 4) + "\n";
   }
   return text;
 }
@@ -222,10 +227,10 @@ std::string Csv(const AlignmentReport& report, std::optional<Tier> tier) {
   for (const auto& [name, value] : kTiers) {
     if (tier && *tier != value) continue;
     for (const Segment& segment : SegmentsOf(report, value)) {
-      text += QuotedForCsv(report.file) + "," + std::string(name) + "," +
-              QuotedForCsv(segment.text) + "," + std::to_string(segment.start) + "," +
-              std::to_string(segment.end) + "," + Fixed(Seconds(segment.start), 6) + "," +
-              Fixed(Seconds(segment.end), 6) + "\r\n";
+      text += CsvText(report.file) + "," + std::string(name) + "," +
+              (value == Tier::kWords ? CsvText(segment.text) : QuotedForCsv(segment.text)) + "," +
+              std::to_string(segment.start) + "," + std::to_string(segment.end) + "," +
+              Fixed(Seconds(segment.start), 6) + "," + Fixed(Seconds(segment.end), 6) + "\r\n";
     }
   }
   return text;
@@ -237,7 +242,7 @@ std::string AudacityLabels(const AlignmentReport& report, Tier tier) {
   for (const Segment& segment : SegmentsOf(report, tier)) {
     if (segment.end <= segment.start) continue;
     text += Fixed(Seconds(segment.start), 6) + "\t" + Fixed(Seconds(segment.end), 6) + "\t" +
-            Replace(segment.text, ' ', std::nullopt) + "\n";
+            PrintableText(segment.text) + "\n";
   }
   return text;
 }

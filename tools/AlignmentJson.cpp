@@ -1,10 +1,13 @@
 #include "tools/AlignmentJson.h"
 
 #include <cmath>
+#include <string_view>
 #include <vector>
 
+#include "common/Unicode.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -42,7 +45,21 @@ OrderedJson AlignmentJson(const AlignmentReport& report) {
 }
 
 std::string JsonText(const OrderedJson& value) {
-  return value.dump(2, ' ', false, OrderedJson::error_handler_t::replace);
+  const std::string dumped = value.dump(2, ' ', false, OrderedJson::error_handler_t::replace);
+  // Between strings stand line ends alone, and in strings those are escaped already.
+  std::wstring text;
+  for (const wchar_t c : WideFromUtf8(dumped)) {
+    if (c == L'\n' || !IsUnprintable(c)) {
+      text += c;
+      continue;
+    }
+    constexpr std::wstring_view kDigits = L"0123456789abcdef";
+    text += L"\\u";
+    for (int shift = 12; shift >= 0; shift -= 4) {
+      text += kDigits[static_cast<std::size_t>(c >> shift) & 0xFU];
+    }
+  }
+  return Utf8FromWide(text);
 }
 
 double RoundedSeconds(int sample) { return std::round(Seconds(sample) * 1e6) / 1e6; }

@@ -16,7 +16,8 @@ using OrderedJson = nlohmann::ordered_json;
 // describes.
 OrderedJson AlignmentJson(const AlignmentReport& report);
 
-// Two blanks of indentation, no line end after it; bytes that are no UTF-8 become U+FFFD.
+// Two blanks of indentation, no line end after it; bytes that are no UTF-8 become U+FFFD. What a
+// terminal must not be sent raw (tools/PrintableText.h) stands escaped, so that nothing is lost.
 std::string JsonText(const OrderedJson& value);
 
 // [s] of a sample number, to the microsecond.

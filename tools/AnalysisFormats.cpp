@@ -4,10 +4,12 @@
 #include <array>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 #include "tools/CsvColumns.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/PrintableText.h"
 #include "tools/TextCells.h"
 
 namespace veral3::tools {
@@ -97,10 +99,11 @@ std::string MarkOf(const SyllableMeasures& syllable) {
 
 std::string SummaryText(const AnalysisReport& report) {
   const AlignmentReport& alignment = report.alignment;
-  std::string text = alignment.file + ": " + Fixed(Seconds(alignment.num_samples), 3) + " s, " +
+  std::string text = PrintableText(alignment.file) + ": " +
+                     Fixed(Seconds(alignment.num_samples), 3) + " s, " +
                      std::string(LanguageName(alignment.language)) + "\n";
-  text +=
-      "sentence " + std::to_string(alignment.sentence_index + 1) + ": " + alignment.sentence + "\n";
+  text += "sentence " + std::to_string(alignment.sentence_index + 1) + ": " +
+          PrintableText(alignment.sentence) + "\n";
   text += "log probability " + OrDash(Finite(alignment.log_probability), 2) +
           ", probability of a good reading " + OrDash(report.goodness_probability, 4) + "\n";
   text += "signal to noise " + WithUnit(OrDash(report.signal_to_noise_db, 1), "dB") +
@@ -169,10 +172,11 @@ constexpr std::array<std::string_view, 29> kCsvColumns = {"file",
 
 using Line = CsvLine<kCsvColumns.size()>;
 
-Line LineOf(const AlignmentReport& alignment, const char* tier, const std::string& text, int start,
+// `text`: a field already.
+Line LineOf(const AlignmentReport& alignment, const char* tier, std::string text, int start,
             int end) {
   Line line(kCsvColumns);
-  line.SetSpan(alignment.file, tier, text, start, end);
+  line.SetSpan(alignment.file, tier, std::move(text), start, end);
   line.Set("duration_s", Fixed(Seconds(end - start), 6));
   return line;
 }
@@ -184,7 +188,7 @@ std::string AnalysisTable(const AnalysisReport& report) {
   if (!alignment.error.empty()) return "";
   int indent = 10;
   for (const Segment& word : alignment.words) {
-    indent = std::max(indent, DisplayWidth(word.text) + 2);
+    indent = std::max(indent, DisplayWidth(PrintableText(word.text)) + 2);
   }
   TableText table(indent);
   table.Head(alignment.language == kLanguageChinese ? "tone" : "stress");
@@ -203,7 +207,7 @@ std::string AnalysisTable(const AnalysisReport& report) {
     const Segment& word = alignment.words[w];
     pauses_before(static_cast<int>(p));
     table.Add({word.start, word.end, OrDash(report.words[w].pitch), "", "", "", "",
-               OrDash(Finite(word.confidence), 3), 0, word.text, ""});
+               OrDash(Finite(word.confidence), 3), 0, PrintableText(word.text), ""});
     for (int i = 0; i < word.parts && s < alignment.syllables.size(); ++i, ++s) {
       const Segment& part = alignment.syllables[s];
       const SyllableMeasures& syllable = report.syllables[s];
@@ -277,7 +281,8 @@ std::string AnalysisCsvHeader() { return Line::Header(kCsvColumns); }
 std::string AnalysisCsv(const AnalysisReport& report) {
   const AlignmentReport& alignment = report.alignment;
   if (!alignment.error.empty()) return "";
-  Line recording = LineOf(alignment, "recording", alignment.sentence, 0, alignment.num_samples);
+  Line recording =
+      LineOf(alignment, "recording", CsvText(alignment.sentence), 0, alignment.num_samples);
   recording.Set("pitch_hz", report.mean_pitch);
   recording.Set("pitch_segments", std::to_string(report.pitch_segments));
   recording.Set("goodness", report.goodness_probability, 6);
@@ -286,7 +291,7 @@ std::string AnalysisCsv(const AnalysisReport& report) {
   std::string text = recording.Text();
   for (std::size_t i = 0; i < report.words.size(); ++i) {
     const Segment& word = alignment.words[i];
-    Line line = LineOf(alignment, "words", word.text, word.start, word.end);
+    Line line = LineOf(alignment, "words", CsvText(word.text), word.start, word.end);
     line.Set("probability", word.confidence, 6);
     line.Set("pitch_hz", report.words[i].pitch);
     text += line.Text();
@@ -294,7 +299,7 @@ std::string AnalysisCsv(const AnalysisReport& report) {
   for (std::size_t i = 0; i < report.syllables.size(); ++i) {
     const Segment& part = alignment.syllables[i];
     const SyllableMeasures& syllable = report.syllables[i];
-    Line line = LineOf(alignment, "syllables", part.text, part.start, part.end);
+    Line line = LineOf(alignment, "syllables", QuotedForCsv(part.text), part.start, part.end);
     line.Set("probability", part.confidence, 6);
     line.Set("pitch_hz", syllable.pitch);
     line.Set("intensity", syllable.intensity, 0);
@@ -310,12 +315,13 @@ std::string AnalysisCsv(const AnalysisReport& report) {
   }
   for (std::size_t i = 0; i < report.phonemes.size(); ++i) {
     const Segment& phoneme = alignment.phonemes[i];
-    Line line = LineOf(alignment, "phonemes", phoneme.text, phoneme.start, phoneme.end);
+    Line line =
+        LineOf(alignment, "phonemes", QuotedForCsv(phoneme.text), phoneme.start, phoneme.end);
     line.Set("probability", phoneme.confidence, 6);
     const std::vector<PhonemeReading>& readings = report.phonemes[i].readings;
     for (std::size_t r = 0; r < readings.size(); ++r) {
       const std::string column = "reading_" + std::to_string(r + 1);
-      line.Set(column, readings[r].symbol);
+      line.Set(column, QuotedForCsv(readings[r].symbol));
       line.Set(column + "_probability", readings[r].probability, 6);
     }
     text += line.Text();

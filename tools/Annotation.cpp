@@ -11,6 +11,7 @@
 #include "tools/EngineMessages.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -52,8 +53,8 @@ AlignmentReport WithoutPauses(AlignmentReport report) {
 
 std::string AnnotationTable(const AlignmentReport& report) {
   if (!report.error.empty()) return "";
-  std::string text = report.file + ": " + Fixed(Seconds(report.num_samples), 3) + " s, " +
-                     std::string(LanguageName(report.language)) + ", " +
+  std::string text = PrintableText(report.file) + ": " + Fixed(Seconds(report.num_samples), 3) +
+                     " s, " + std::string(LanguageName(report.language)) + ", " +
                      std::to_string(report.phonemes.size()) + " segments\n\n";
   text += "  start s    end s     start       end   phoneme\n";
   for (const Segment& segment : report.phonemes) {

@@ -3,14 +3,18 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 #include "common/Unicode.h"
 #include "tools/Console.h"
 #include "tools/ExitStatus.h"
 #include "tools/Kana.h"
+#include "tools/LanguageOption.h"
 #include "tools/Languages.h"
 #include "tools/Pinyin.h"
+#include "tools/PrintableText.h"
 #include "tools/Resources.h"
 #include "tools/TextFiles.h"
 #include "tools/TextReport.h"
@@ -24,6 +28,29 @@ constexpr const char* kExamples = R"(Examples:
   veral3 check-text --lang zh --reading "le4 se4" 垃圾
 
 Exit status: 0 every word is known, 1 the dictionary lacks some, 2 wrong usage.)";
+
+bool IsHan(wchar_t c) {
+  return (c >= 0x3400 && c <= 0x9FFF) || (c >= 0xF900 && c <= 0xFAFF) || c >= 0x20000 ||
+         c == 0x3007;
+}
+
+// Why a word does not go with a reading, as the rest of a sentence about it; "" when it does.
+std::string Misfit(std::wstring_view word, const Reading& reading, LanguageType language) {
+  if (word.empty() ||
+      std::ranges::any_of(word, [](wchar_t c) { return c == L'|' || IsWideSpace(c); })) {
+    return "is no word: one without blanks and bars is given its pronunciation";
+  }
+  // A Chinese character is a syllable. How many a word with other letters has nobody can tell.
+  const auto characters = static_cast<std::size_t>(std::ranges::count_if(word, IsHan));
+  const std::size_t syllables = reading.starts.size();
+  const bool fits = characters == word.size() ? syllables == characters : syllables > characters;
+  if (language != kLanguageChinese || characters == 0 || fits) return "";
+  const auto counted = [](std::size_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+  };
+  return "has " + counted(characters, "character") + ", the reading " +
+         counted(syllables, "syllable");
+}
 
 // Prints each word with the inline pronunciation of the reading.
 int PrintInline(const CheckTextOptions& options, LanguageType language, Console& console) {
@@ -40,9 +67,16 @@ int PrintInline(const CheckTextOptions& options, LanguageType language, Console&
                            : "write hiragana or katakana"));
     return kWrongUsage;
   }
-  for (const std::string& word : options.texts) {
-    std::puts(Utf8FromWide(InlinePronunciation(*reading, WideFromUtf8(word))).c_str());
+  std::string lines;
+  for (const std::string& text : options.texts) {
+    const std::wstring word = WideFromUtf8(PrintableText(text));
+    if (const std::string misfit = Misfit(word, *reading, language); !misfit.empty()) {
+      console.Error("\"" + text + "\" " + misfit);
+      return kWrongUsage;
+    }
+    lines += Utf8FromWide(InlinePronunciation(*reading, word)) + "\n";
   }
+  std::fputs(lines.c_str(), stdout);
   return kAllDone;
 }
 
@@ -51,11 +85,8 @@ int PrintInline(const CheckTextOptions& options, LanguageType language, Console&
 CLI::App* AddCheckTextCommand(CLI::App& app, CheckTextOptions& options) {
   CLI::App* check = app.add_subcommand(
       "check-text", "Show the words and pronunciations that a text will be aligned with");
-  check->add_option("--lang", options.language, "Language of the text")
-      ->check(CLI::IsMember({"en", "zh", "ja"}))
-      ->required()
-      ->type_name("en|zh|ja");
-  check->add_option("TEXT", options.texts, "Texts to look at")->type_name("");
+  AddLanguageOption(*check, options.language, "Language of the text");
+  check->add_option("TEXT,--text", options.texts, "Texts to look at")->type_name("");
   check->add_option("--text-file", options.text_file, "UTF-8 file with a text a line")
       ->type_name("TXT");
   check
@@ -104,7 +135,7 @@ int RunCheckText(const CheckTextOptions& options) {
     return kWrongUsage;
   }
   if (const auto loaded = LoadDictionary(*folder, language); !loaded) {
-    console.Error(loaded.Error());
+    console.Lines(loaded.Error());
     return kWrongUsage;
   }
   const Lexicon lexicon = LexiconOf(language);
@@ -122,7 +153,8 @@ int RunCheckText(const CheckTextOptions& options) {
   std::string missing;
   for (const TextReport& report : reports) {
     if (reports.size() > 1)
-      std::printf("%s%s\n", &report == &reports.front() ? "" : "\n", report.text.c_str());
+      std::printf("%s%s\n", &report == &reports.front() ? "" : "\n",
+                  PrintableText(report.text).c_str());
     std::fputs(TextTable(report, language).c_str(), stdout);
     if (missing.empty() && !report.missing.empty()) missing = report.missing.front();
     for (const std::string& symbol : report.unread_symbols) {
@@ -131,7 +163,8 @@ int RunCheckText(const CheckTextOptions& options) {
     if (report.words.empty()) console.Error("\"" + report.text + "\" has no words");
   }
   if (!missing.empty()) {
-    console.Error("the dictionary lacks \"" + missing +
+    missing = PrintableText(missing);
+    console.Lines("the dictionary lacks \"" + missing +
                   "\": " + InlinePronunciationHelp(missing, language));
   }
   return status;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "common/Unicode.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -20,23 +21,29 @@ void WriteError(std::string_view text) { std::fwrite(text.data(), 1, text.size()
 
 Console::Console() : m_is_terminal(isatty(STDERR_FILENO) == 1) {}
 
-void Console::Error(std::string_view text) {
-  ClearProgress();
+void Console::Error(std::string_view message) {
+  if (!message.empty()) Line(message);
+}
+
+void Console::Lines(std::string_view text) {
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
-    WriteError("veral3: ");
-    WriteError(text.substr(0, end));
-    WriteError("\n");
+    Line(text.substr(0, end));
     if (end == std::string_view::npos) break;
     text.remove_prefix(end + 1);
   }
+}
+
+void Console::Line(std::string_view line) {
+  ClearProgress();
+  WriteError("veral3: " + PrintableText(line) + "\n");
   std::fflush(stderr);
 }
 
 void Console::Progress(std::size_t done, std::size_t total, std::string_view file) {
   if (!m_is_terminal || total < kProgressFrom) return;
   ClearProgress();
-  std::wstring name = WideFromUtf8(file);
+  std::wstring name = WideFromUtf8(PrintableText(file));
   if (name.size() > kProgressWidth) name.replace(0, name.size() - kProgressWidth + 3, L"...");
   std::ostringstream line;
   line << "[" << done << "/" << total << "] " << Utf8FromWide(name);

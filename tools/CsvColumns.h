@@ -5,8 +5,10 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tools/Numbers.h"
 #include "tools/TextCells.h"
@@ -14,18 +16,18 @@
 namespace veral3::tools {
 
 // A line of comma-separated values whose columns have names; what is not set stays empty. Numbers
-// that are infinite or none stay empty too.
+// that are infinite or none stay empty too. A name that no column has is a std::logic_error.
 template <std::size_t kCount>
 class CsvLine {
  public:
   explicit CsvLine(const std::array<std::string_view, kCount>& columns) : m_columns(columns) {}
 
-  // What every line about a stretch of a recording begins with; [samples at 22050 Hz].
-  void SetSpan(const std::string& file, const char* tier, const std::string& text, int start,
-               int end) {
-    Set("file", QuotedForCsv(file));
+  // What every line about a stretch of a recording begins with; [samples at 22050 Hz]. `text` is a
+  // field already: CsvText of words and sentences, QuotedForCsv of phoneme symbols.
+  void SetSpan(const std::string& file, const char* tier, std::string text, int start, int end) {
+    Set("file", CsvText(file));
     Set("tier", tier);
-    Set("text", QuotedForCsv(text));
+    Set("text", std::move(text));
     Set("start_sample", std::to_string(start));
     Set("end_sample", std::to_string(end));
     Set("start_s", Fixed(Seconds(start), 6));
@@ -34,9 +36,8 @@ class CsvLine {
 
   void Set(std::string_view column, std::string field) {
     const auto found = std::ranges::find(m_columns, column);
-    if (found != m_columns.end()) {
-      m_fields[static_cast<std::size_t>(found - m_columns.begin())] = std::move(field);
-    }
+    if (found == m_columns.end()) throw std::logic_error("no column " + std::string(column));
+    m_fields[static_cast<std::size_t>(found - m_columns.begin())] = std::move(field);
   }
   void Set(std::string_view column, const std::optional<double>& value, int decimals) {
     if (value && std::isfinite(*value)) Set(column, Fixed(*value, decimals));

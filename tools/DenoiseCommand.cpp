@@ -18,7 +18,7 @@ namespace veral3::tools {
 namespace {
 
 constexpr const char* kExamples = R"(Example:
-  veral3 denoise noisy.mp3 clean.wav --policy 2
+  veral3 denoise noisy.mp3 -o clean.wav --policy 2
 
 Exit status: 0 written, 1 the recording cannot be read or the result not written, 2 wrong usage.)";
 
@@ -51,7 +51,8 @@ CLI::App* AddDenoiseCommand(CLI::App& app, DenoiseOptions& options) {
                    "minutes")
       ->type_name("")
       ->required();
-  denoise->add_option("OUT", options.output, "WAV file to write: 22050 Hz, mono, 16 bit")
+  denoise
+      ->add_option("OUT,-o,--output", options.output, "WAV file to write: 22050 Hz, mono, 16 bit")
       ->type_name("")
       ->required();
   denoise

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/Messages.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -14,7 +15,7 @@ thread_local std::string* innermost_text = nullptr;
 
 void Take(MessageStream, std::string_view text) {
   if (innermost_text == nullptr) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fputs(PrintableLines(text).c_str(), stderr);
     return;
   }
   innermost_text->append(text);

@@ -8,6 +8,7 @@
 #include "tools/AdviceTexts.h"
 #include "tools/CsvColumns.h"
 #include "tools/Languages.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -66,8 +67,8 @@ Rows RowsOf(const GradeReport& report) {
       const SyllableGrade& grade = report.syllables[s];
       Column column;
       column.opens_word = part == 0;
-      column.cells = {part == 0 ? alignment.words[w].text : "", alignment.syllables[s].text,
-                      OrDash(grade.scores.pronunciation)};
+      column.cells = {part == 0 ? PrintableText(alignment.words[w].text) : "",
+                      alignment.syllables[s].text, OrDash(grade.scores.pronunciation)};
       if (!report.pronunciation_only) {
         column.cells.insert(column.cells.end(),
                             {OrDash(grade.scores.pitch), OrDash(grade.scores.timing),
@@ -229,15 +230,16 @@ void SetScores(Line& line, const GradeScores& scores) {
 std::string GradeTable(const GradeReport& report) {
   const AlignmentReport& alignment = report.analysis.alignment;
   if (!alignment.error.empty()) return "";
-  std::string text = alignment.file + ": " + Fixed(Seconds(alignment.num_samples), 3) + " s, " +
+  std::string text = PrintableText(alignment.file) + ": " +
+                     Fixed(Seconds(alignment.num_samples), 3) + " s, " +
                      std::string(LanguageName(alignment.language));
   if (report.pronunciation_only) {
     text += ", pronunciation only";
   } else {
-    text += ", against " + report.tutor_file;
-    if (!report.teacher.empty()) text += " (" + report.teacher + ")";
+    text += ", against " + PrintableText(report.tutor_file);
+    if (!report.teacher.empty()) text += " (" + PrintableText(report.teacher) + ")";
   }
-  text += "\nsentence: " + alignment.sentence + "\n";
+  text += "\nsentence: " + PrintableText(alignment.sentence) + "\n";
   text += "total " + OrDash(report.scores.total) + "   pronunciation " +
           OrDash(report.scores.pronunciation) + "   pitch " + OrDash(report.scores.pitch) +
           "   timing " + OrDash(report.scores.timing) + "   loudness " +
@@ -296,14 +298,15 @@ std::string GradeCsv(const GradeReport& report) {
   const AlignmentReport& alignment = report.analysis.alignment;
   if (!alignment.error.empty()) return "";
   Line recording(kColumns);
-  recording.SetSpan(alignment.file, "recording", alignment.sentence, 0, alignment.num_samples);
+  recording.SetSpan(alignment.file, "recording", CsvText(alignment.sentence), 0,
+                    alignment.num_samples);
   SetScores(recording, report.scores);
   recording.Set("goodness_probability", report.analysis.goodness_probability, 6);
   std::string text = recording.Text();
   for (std::size_t i = 0; i < report.words.size(); ++i) {
     const Segment& word = alignment.words[i];
     Line line(kColumns);
-    line.SetSpan(alignment.file, "words", word.text, word.start, word.end);
+    line.SetSpan(alignment.file, "words", CsvText(word.text), word.start, word.end);
     SetScores(line, report.words[i].scores);
     line.Set("pitch_contrast", report.words[i].contrasts.pitch, 6);
     line.Set("timing_contrast", report.words[i].contrasts.timing, 6);
@@ -314,7 +317,7 @@ std::string GradeCsv(const GradeReport& report) {
     const Segment& part = alignment.syllables[i];
     const SyllableGrade& grade = report.syllables[i];
     Line line(kColumns);
-    line.SetSpan(alignment.file, "syllables", part.text, part.start, part.end);
+    line.SetSpan(alignment.file, "syllables", QuotedForCsv(part.text), part.start, part.end);
     SetScores(line, grade.scores);
     line.Set("pitch_advice", Letter(grade.pitch_advice));
     line.Set("timing_advice", Letter(grade.timing_advice));
@@ -330,7 +333,8 @@ std::string GradeCsv(const GradeReport& report) {
     const Segment& phoneme = alignment.phonemes[i];
     const PhonemeMeasures& measures = report.analysis.phonemes[i];
     Line line(kColumns);
-    line.SetSpan(alignment.file, "phonemes", phoneme.text, phoneme.start, phoneme.end);
+    line.SetSpan(alignment.file, "phonemes", QuotedForCsv(phoneme.text), phoneme.start,
+                 phoneme.end);
     line.Set("pronunciation", report.phonemes[i]);
     line.Set("sounds_like", QuotedForCsv(measures.sounds_like));
     line.Set("sounds_like_probability", measures.sounds_like_probability, 6);

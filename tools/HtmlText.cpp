@@ -1,13 +1,12 @@
 #include "tools/HtmlText.h"
 
-#include "common/Unicode.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 
 std::string HtmlText(std::string_view text) {
   std::string result;
-  // Through code points and back, so that bad bytes become U+FFFD.
-  for (const char c : Utf8FromWide(WideFromUtf8(text))) {
+  for (const char c : PrintableText(text)) {
     switch (c) {
       case '&':
         result += "&amp;";
@@ -24,11 +23,8 @@ std::string HtmlText(std::string_view text) {
       case '\'':
         result += "&#39;";
         break;
-      default: {
-        const auto code = static_cast<unsigned char>(c);
-        const bool is_control = (code < 0x20 && c != '\n' && c != '\t') || code == 0x7F;
-        result += is_control ? "\xEF\xBF\xBD" : std::string(1, c);
-      }
+      default:
+        result += c;
     }
   }
   return result;

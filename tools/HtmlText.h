@@ -5,8 +5,8 @@
 
 namespace veral3::tools {
 
-// Text as the content or a quoted attribute of an HTML element: well-formed UTF-8, markup escaped,
-// control characters replaced.
+// Text as the content or a quoted attribute of an HTML element: printable (tools/PrintableText.h),
+// markup escaped.
 std::string HtmlText(std::string_view text);
 
 }  // namespace veral3::tools

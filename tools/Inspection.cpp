@@ -18,6 +18,7 @@
 #include "tools/EngineMessages.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/PrintableText.h"
 #include "tools/TutorFile.h"
 
 namespace veral3::tools {
@@ -238,13 +239,7 @@ void AddKind(const std::filesystem::path& path, const char* kind, OrderedJson& j
 }
 
 std::string ValueText(const OrderedJson& value) {
-  if (value.is_string()) {
-    std::string text = value.get<std::string>();
-    // A name shall not move the terminal's cursor.
-    std::ranges::replace_if(
-        text, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
-    return text;
-  }
+  if (value.is_string()) return PrintableText(value.get<std::string>());
   if (value.is_number_float()) return Fixed(value.get<double>(), 3);
   return value.dump();
 }
@@ -290,7 +285,7 @@ Result<OrderedJson> Inspect(const std::filesystem::path& path) {
 
 std::string InspectionTable(const OrderedJson& inspection) {
   constexpr std::size_t kWidth = 26;
-  std::string table = inspection["file"].get<std::string>() + "\n";
+  std::string table = PrintableText(inspection["file"].get<std::string>()) + "\n";
   for (const auto& [key, value] : inspection.items()) {
     if (key == "file") continue;
     std::string name = "  " + key;

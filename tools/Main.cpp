@@ -5,17 +5,32 @@
 #include <CLI/Formatter.hpp>
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "tools/AlignCommand.h"
 #include "tools/AnalyzeCommand.h"
 #include "tools/AnnotateCommand.h"
 #include "tools/CheckTextCommand.h"
+#include "tools/Console.h"
 #include "tools/DenoiseCommand.h"
 #include "tools/GradeCommand.h"
 #include "tools/InspectCommand.h"
 #include "tools/TutorCommand.h"
 
 namespace {
+
+// What is wrong with the arguments, for people.
+std::string UsageError(const CLI::App& app, const CLI::Error& error) {
+  const std::vector<std::string> rest = app.remaining();
+  if (!app.get_subcommands().empty() || rest.empty()) return error.what();
+  if (rest.front().starts_with("-")) return "no option \"" + rest.front() + "\" before a command";
+  std::string commands;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    commands += (commands.empty() ? "" : ", ") + command->get_name();
+  }
+  return "no command \"" + rest.front() + "\"; there are " + commands;
+}
 
 int Run(int argc, char** argv) {
   using veral3::tools::kWrongUsage;
@@ -50,7 +65,11 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    if (error.get_exit_code() == 0) return app.exit(error);
+    veral3::tools::Console console;
+    console.Error(UsageError(app, error));
+    console.Error("veral3 --help and veral3 COMMAND --help tell more");
+    return kWrongUsage;
   }
   if (align_command->parsed()) return veral3::tools::RunAlign(align);
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
@@ -69,7 +88,7 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "veral3: %s\n", error.what());
+    veral3::tools::Console().Error(error.what());
     return veral3::tools::kSomeFailed;
   }
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "tools/LanguageOption.h"
 #include "tools/Languages.h"
 #include "tools/SentencePlan.h"
 #include "tools/TextFiles.h"
@@ -17,15 +18,12 @@ void AddRecordingOptions(CLI::App& command, RecordingOptions& options,
                   "Recordings: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, of any "
                   "rate and number of channels, up to 15 minutes each")
       ->type_name("");
-  command.add_option("--lang", options.language, "Language that is spoken")
-      ->check(CLI::IsMember({"en", "zh", "ja"}))
-      ->type_name("CODE")
-      ->required();
+  AddLanguageOption(command, options.language, "Language that is spoken");
   command.add_option("--format", options.format, "Form of the result (default table)")
       ->check(CLI::IsMember(formats))
       ->type_name("FORMAT");
   command
-      .add_option("--output", options.output,
+      .add_option("-o,--output", options.output,
                   "File for the result, or folder (ending in / if it is new) for one file a "
                   "recording; without it standard output")
       ->type_name("PATH");
@@ -114,19 +112,20 @@ bool LoadFor(const RecordingOptions& options, ResourceUse use, Console& console)
   }
   const Result<LoadedResources> loaded = LoadResources(*folder, language, use);
   if (!loaded) {
-    console.Error(loaded.Error());
+    console.Lines(loaded.Error());
     return false;
   }
   if (options.verbose) {
-    console.Error("resources: " + folder->string() + "\n" + loaded->messages);
+    console.Error("resources: " + folder->string());
+    console.Lines(loaded->messages);
   }
-  console.Error(loaded->missing);
+  console.Lines(loaded->missing);
   return true;
 }
 
 bool PlanFor(const ReadingOptions& options, std::vector<AlignJob>& jobs, Console& console) {
   const SentencePlan plan = PlanSentences(jobs, LanguageOf(options.language), options.skip_unknown);
-  console.Error(plan.messages);
+  console.Lines(plan.messages);
   return plan.usable;
 }
 

@@ -6,6 +6,8 @@
 #include <system_error>
 #include <utility>
 
+#include "tools/PrintableText.h"
+
 namespace veral3::tools {
 namespace {
 
@@ -43,7 +45,9 @@ ReportWriter::ReportWriter(ReportTarget target, const std::vector<std::string>& 
   Put(m_target.header);
 }
 
-void ReportWriter::Write(const std::string& recording, std::string_view text) {
+void ReportWriter::Write(const std::string& recording, std::string_view result) {
+  const std::string table = m_target.format == Format::kTable ? PrintableLines(result) : "";
+  const std::string_view text = m_target.format == Format::kTable ? table : result;
   const bool last = ++m_written == m_expected;
   if (m_target.is_folder) {
     if (text.empty()) return;

@@ -36,7 +36,7 @@ class ReportWriter {
   // That the target cannot be written, before anything is; "" when it can.
   const std::string& Error() const { return m_error; }
 
-  void Write(const std::string& recording, std::string_view text);
+  void Write(const std::string& recording, std::string_view result);
 
   // The first thing that could not be written, as a sentence; "" when all is well.
   std::string Finish();

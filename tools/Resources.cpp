@@ -12,6 +12,7 @@
 #include "recognition/Models.h"
 #include "tools/EngineMessages.h"
 #include "tools/Languages.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -66,7 +67,7 @@ std::string LoadModel(const std::filesystem::path& model, ModelFileType type,
   if (problem.empty() && AnalyzedAudio::LoadModelFile(model.c_str(), type) < 0) {
     problem = model.string() + " cannot be used: " + messages.OneLine();
   }
-  return problem;
+  return PrintableText(problem);
 }
 
 // The folders that may have resources: the one given, else that of the installation.
@@ -117,9 +118,9 @@ Result<std::string> LoadDictionary(const std::filesystem::path& folder, Language
   AnalyzedAudio::LoadResourceInFolderPath((folder / "").c_str());
   const auto dictionary = DictionaryOf(language);
   if (dictionary == nullptr || dictionary->GetWordCount() == 0) {
-    return Result<std::string>::Failure("the dictionary " +
-                                        (folder / FilesOf(language).dictionary).string() +
-                                        " cannot be used: " + messages.OneLine());
+    return Result<std::string>::Failure(
+        "the dictionary " + PrintableText((folder / FilesOf(language).dictionary).native()) +
+        " cannot be used: " + messages.OneLine());
   }
   return messages.Text();
 }
@@ -144,7 +145,7 @@ Result<LoadedResources> LoadResources(const std::filesystem::path& folder, Langu
       std::error_code error;
       if (!std::filesystem::exists(folder / model.file, error)) {
         loaded.missing +=
-            "no " + std::string(model.file) + " in " + folder.string() +
+            "no " + std::string(model.file) + " in " + PrintableText(folder.native()) +
             (use == ResourceUse::kGrade ? ", without which nothing is graded"
                                         : "; not measured: " + std::string(model.purpose)) +
             "\n";

@@ -22,20 +22,29 @@ struct Piece {
   bool known = false;
 };
 
+// Kana that say how the one before them sounds, or close its syllable.
+bool GoesOn(wchar_t c) {
+  constexpr std::wstring_view kKana = L"ーっぁぃぅぇぉゃゅょゎッァィゥェォャュョヮ";
+  return kKana.find(c) != std::wstring_view::npos;
+}
+
+// Whether it ends with a small tsu, which doubles what follows.
+bool DoublesNext(std::wstring_view text) { return text.ends_with(L'っ') || text.ends_with(L'ッ'); }
+
 // Characters that belong together where the dictionary does not know them: a run of Latin letters,
-// else one character.
+// else one character with the length marks and small kana behind it.
 std::size_t UnknownLength(std::wstring_view text) {
+  const auto belongs = IsLatin(text.front()) ? IsLatin : GoesOn;
   std::size_t length = 1;
-  if (IsLatin(text.front())) {
-    while (length < text.size() && IsLatin(text[length])) ++length;
-  }
+  while (length < text.size() && belongs(text[length])) ++length;
   return length;
 }
 
 // The best cut of a run without blanks.
 std::vector<Piece> Cut(std::wstring_view run, const WordCost& cost) {
+  constexpr int kNoCut = std::numeric_limits<int>::max();
   struct Best {
-    int cost = std::numeric_limits<int>::max();
+    int cost = kNoCut;
     std::size_t length = 0;  // of the piece that begins here
     bool known = false;
   };
@@ -43,18 +52,21 @@ std::vector<Piece> Cut(std::wstring_view run, const WordCost& cost) {
   best.back().cost = 0;
   for (std::size_t at = run.size(); at-- > 0;) {
     const auto offer = [&](std::size_t length, int piece_cost, bool known) {
+      if (best[at + length].cost == kNoCut) return;
       const int total = best[at + length].cost + piece_cost;
       if (total < best[at].cost) best[at] = {total, length, known};
     };
     for (std::size_t length = std::min(kMaxWordLength, run.size() - at); length > 0; --length) {
       if (const auto word = cost(run.substr(at, length))) offer(length, *word + kWordCost, true);
     }
-    offer(UnknownLength(run.substr(at)), kUnknownCost, false);
+    if (at == 0 || !GoesOn(run[at])) offer(UnknownLength(run.substr(at)), kUnknownCost, false);
   }
   std::vector<Piece> pieces;
   for (std::size_t at = 0; at < run.size(); at += best[at].length) {
     const Piece piece = {run.substr(at, best[at].length), best[at].known};
-    if (!piece.known && !pieces.empty() && !pieces.back().known) {
+    const bool joins = !pieces.empty() && !pieces.back().known &&
+                       (!piece.known || (DoublesNext(pieces.back().text) && IsKana(piece.text)));
+    if (joins) {
       pieces.back().text = std::wstring_view(pieces.back().text.data(),
                                              pieces.back().text.size() + piece.text.size());
     } else {

@@ -6,6 +6,7 @@
 #include "core/AnalyzedAudio.h"
 #include "tools/EngineMessages.h"
 #include "tools/Lexicon.h"
+#include "tools/PrintableText.h"
 #include "tools/TextPreparation.h"
 
 namespace veral3::tools {
@@ -13,7 +14,8 @@ namespace {
 
 std::string Quoted(const std::vector<std::string>& items) {
   std::string list;
-  for (const std::string& item : items) list += (list.empty() ? "\"" : ", \"") + item + "\"";
+  for (const std::string& item : items)
+    list += (list.empty() ? "\"" : ", \"") + PrintableText(item) + "\"";
   return list;
 }
 
@@ -87,7 +89,7 @@ SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, b
       auto [known, is_new] = prepared.try_emplace(sentence);
       if (is_new) {
         Findings findings = Examine(sentence, language, lexicon, skip_unknown);
-        const std::string about = "sentence \"" + sentence + "\": ";
+        const std::string about = "sentence \"" + PrintableText(sentence) + "\": ";
         if (!findings.warning.empty()) plan.messages += about + findings.warning;
         if (!findings.error.empty()) {
           plan.messages += about + findings.error + "\n";
@@ -102,7 +104,7 @@ SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, b
     }
   }
   if (!unknown_word.empty()) {
-    plan.messages += InlinePronunciationHelp(unknown_word, language);
+    plan.messages += InlinePronunciationHelp(PrintableText(unknown_word), language);
     if (!skip_unknown) plan.messages += "or let --skip-unknown pass over such words\n";
   }
   return plan;

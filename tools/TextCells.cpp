@@ -2,7 +2,10 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
+
 #include "common/Unicode.h"
+#include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
@@ -10,6 +13,18 @@ namespace {
 std::string Blanks(const std::string& text, int width) {
   const int left = width - DisplayWidth(text);
   return left > 0 ? std::string(static_cast<std::size_t>(left), ' ') : "";
+}
+
+bool IsBlank(wchar_t c) {
+  return IsWideSpace(c) || c == 0x00A0 || c == 0x2007 || c == 0x202F || c == 0x200B || c == 0xFEFF;
+}
+
+// Whether a spreadsheet takes the text for a formula. Some take the fullwidth signs too.
+bool IsFormula(std::string_view text) {
+  constexpr std::wstring_view kSigns = L"=+-@\uFF1D\uFF0B\uFF0D\uFF20";
+  const std::wstring wide = WideFromUtf8(text);
+  const auto first = std::ranges::find_if_not(wide, IsBlank);
+  return first != wide.end() && kSigns.find(*first) != std::wstring_view::npos;
 }
 
 }  // namespace
@@ -34,6 +49,11 @@ std::string QuotedForCsv(const std::string& field) {
     if (c == '"') result += c;
   }
   return result + "\"";
+}
+
+std::string CsvText(std::string_view text) {
+  const std::string printable = PrintableText(text);
+  return QuotedForCsv(IsFormula(printable) ? "'" + printable : printable);
 }
 
 }  // namespace veral3::tools

@@ -19,6 +19,10 @@ namespace {
 // Symbols that stand for words; the engine takes them for punctuation.
 constexpr std::wstring_view kSpokenSymbols = L"%&@#$+=\u20AC\u00A3\u00A5\u00B0";
 
+// Signs that stand for words between two numbers ("1/2", "3~5"), and part words elsewhere.
+constexpr std::wstring_view kSignsBetweenNumbers =
+    L"/*<>^~\u00D7\u00F7\u2044\u2215\u2236\u301C\u2264\u2265";
+
 bool IsWidthVariant(wchar_t c) { return c >= 0xFF00 && c <= 0xFFEF; }
 
 bool IsApostrophe(wchar_t c) {
@@ -90,6 +94,16 @@ std::wstring WithSingleBlanks(std::wstring_view text) {
   return result;
 }
 
+bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+
+// Whether the character at `at` stands between digits, with blanks or without.
+bool IsBetweenNumbers(std::wstring_view text, std::size_t at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of(L' ');
+  const std::size_t after = text.find_first_not_of(L' ', at + 1);
+  return before != std::wstring_view::npos && after != std::wstring_view::npos &&
+         IsDigit(text[before]) && IsDigit(text[after]);
+}
+
 void AddOnce(std::vector<std::string>& list, std::wstring_view text) {
   std::string utf8 = Utf8FromWide(text);
   if (std::ranges::find(list, utf8) == list.end()) list.push_back(std::move(utf8));
@@ -151,14 +165,14 @@ std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType langu
   std::vector<std::string> symbols;
   const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
   bool inline_segment = false;
-  wchar_t before = 0;
-  for (const wchar_t c : usual) {
+  for (std::size_t i = 0; i < usual.size(); ++i) {
+    const wchar_t c = usual[i];
     if (c == L'|') inline_segment = !inline_segment;
-    const bool read = language != kLanguageEnglish && c == L'%' && before >= L'0' && before <= L'9';
-    before = c;
-    if (!inline_segment && !read && kSpokenSymbols.find(c) != std::wstring_view::npos) {
-      AddOnce(symbols, std::wstring_view(&c, 1));
-    }
+    const bool read = language != kLanguageEnglish && c == L'%' && i > 0 && IsDigit(usual[i - 1]);
+    const bool is_spoken =
+        kSpokenSymbols.find(c) != std::wstring_view::npos ||
+        (kSignsBetweenNumbers.find(c) != std::wstring_view::npos && IsBetweenNumbers(usual, i));
+    if (!inline_segment && !read && is_spoken) AddOnce(symbols, std::wstring_view(&c, 1));
   }
   return symbols;
 }

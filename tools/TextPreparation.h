@@ -45,8 +45,8 @@ struct SentenceCheck {
 SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
                             const HasWord& has_word);
 
-// The symbols of an unprepared text that a reader says and the engine passes over, such as % and &.
-// In Chinese and Japanese the % of a number is read with it.
+// The symbols of an unprepared text that a reader says and the engine passes over, such as % and &,
+// and / or ~ between two numbers. In Chinese and Japanese the % of a number is read with it.
 std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType language);
 
 // How to write a word that the dictionary lacks: the inline pronunciation to fill in for `word`,

@@ -1,16 +1,18 @@
 #include "tools/TextReport.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "common/Unicode.h"
 #include "recognition/CPhonemeSet.h"
 #include "recognition/Dictionaries.h"
 #include "recognition/SentenceTokens.h"
+#include "tools/AlignmentJson.h"
 #include "tools/EngineMessages.h"
 #include "tools/Kana.h"
 #include "tools/Languages.h"
 #include "tools/Pinyin.h"
+#include "tools/PrintableText.h"
+#include "tools/TextCells.h"
 
 namespace veral3::tools {
 namespace {
@@ -68,24 +70,6 @@ void AddWords(std::wstring_view token, LanguageType language, const VeralDiction
   if (sequence.Count() == 0) words.push_back({Utf8FromWide(token), false, {}});
 }
 
-// Columns on a terminal: East Asian characters take two.
-std::size_t DisplayWidth(std::string_view text) {
-  std::size_t width = 0;
-  for (const wchar_t c : WideFromUtf8(text)) {
-    width += (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) ||
-                     (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
-                     (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60)
-                 ? 2
-                 : 1;
-  }
-  return width;
-}
-
-std::string Padded(std::string_view text, std::size_t width) {
-  const std::size_t own = DisplayWidth(text);
-  return std::string(text) + std::string(own < width ? width - own : 0, ' ');
-}
-
 struct Row {
   std::string word, reading, syllables, marks;
 };
@@ -125,9 +109,10 @@ std::string TextTable(const TextReport& report, LanguageType language) {
                                                      : ""};
   std::vector<Row> rows = {titles};
   for (const WordReport& word : report.words) {
-    if (!word.known) rows.push_back({word.text, "not in the dictionary", "", ""});
+    const std::string text = PrintableText(word.text);
+    if (!word.known) rows.push_back({text, "not in the dictionary", "", ""});
     for (std::size_t p = 0; p < word.pronunciations.size(); ++p) {
-      Row row = {p == 0 ? word.text : "", word.pronunciations[p].reading, "", ""};
+      Row row = {p == 0 ? text : "", word.pronunciations[p].reading, "", ""};
       for (const SyllableReport& syllable : word.pronunciations[p].syllables) {
         row.syllables += row.syllables.empty() ? "" : " ";
         row.syllables += syllable.phonemes;
@@ -139,7 +124,7 @@ std::string TextTable(const TextReport& report, LanguageType language) {
       rows.push_back(std::move(row));
     }
   }
-  std::size_t widths[3] = {};
+  int widths[3] = {};
   for (const Row& row : rows) {
     widths[0] = std::max(widths[0], DisplayWidth(row.word));
     widths[1] = std::max(widths[1], DisplayWidth(row.reading));
@@ -147,8 +132,8 @@ std::string TextTable(const TextReport& report, LanguageType language) {
   }
   std::string table;
   for (const Row& row : rows) {
-    std::string line = Padded(row.word, widths[0] + 2) + Padded(row.reading, widths[1] + 2) +
-                       Padded(row.syllables, widths[2] + 2) + row.marks;
+    std::string line = PadRight(row.word, widths[0] + 2) + PadRight(row.reading, widths[1] + 2) +
+                       PadRight(row.syllables, widths[2] + 2) + row.marks;
     line.erase(line.find_last_not_of(' ') + 1);
     table += line + "\n";
   }
@@ -156,7 +141,7 @@ std::string TextTable(const TextReport& report, LanguageType language) {
 }
 
 std::string TextJson(const std::vector<TextReport>& reports, LanguageType language) {
-  using Json = nlohmann::ordered_json;
+  using Json = OrderedJson;
   Json all = Json::array();
   for (const TextReport& report : reports) {
     Json words = Json::array();
@@ -181,8 +166,7 @@ std::string TextJson(const std::vector<TextReport>& reports, LanguageType langua
                    {"missing", report.missing},
                    {"unread_symbols", report.unread_symbols}});
   }
-  const Json& top = all.size() == 1 ? all.front() : all;
-  return top.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return JsonText(all.size() == 1 ? all.front() : all) + "\n";
 }
 
 }  // namespace veral3::tools

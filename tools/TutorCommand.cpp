@@ -2,23 +2,24 @@
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <CLI/Validators.hpp>
 #include <array>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <sstream>
 #include <vector>
 
 #include "storage/SavedAlignedAudio.h"
 #include "tools/Console.h"
 #include "tools/ExitStatus.h"
+#include "tools/LanguageOption.h"
 #include "tools/Languages.h"
 #include "tools/MakeTutor.h"
 #include "tools/Numbers.h"
+#include "tools/PrintableText.h"
 #include "tools/Resources.h"
+#include "tools/RunReports.h"
 #include "tools/SentencePlan.h"
 #include "tools/TextFiles.h"
 
@@ -82,13 +83,16 @@ bool Load(const TutorOptions& options, LanguageType language, Console& console) 
   }
   const Result<LoadedResources> loaded = LoadResources(*folder, language, ResourceUse::kMeasure);
   if (!loaded) {
-    console.Error(loaded.Error());
+    console.Lines(loaded.Error());
     return false;
   }
-  if (options.verbose) console.Error("resources: " + folder->string() + "\n" + loaded->messages);
+  if (options.verbose) {
+    console.Error("resources: " + folder->string());
+    console.Lines(loaded->messages);
+  }
   // What else may be missing leaves nothing out of a tutor file.
   if (language == kLanguageChinese && !LoadedModels(language).tone) {
-    console.Error(loaded->missing + "a Chinese tutor file holds the tones: it needs that model");
+    console.Lines(loaded->missing + "a Chinese tutor file holds the tones: it needs that model");
     return false;
   }
   return true;
@@ -99,8 +103,8 @@ void PrintSummary(const std::string& path, TutorFile& tutor) {
   SavedAlignedAudio audio(tutor.language);
   HLYFile copy(file);
   if (audio.LoadFromHLY(&copy) != 0) return;
-  const std::string line = path + ": " + std::to_string(audio.GetNumOfWords()) + " words, " +
-                           std::to_string(audio.GetNumOfSyllables()) + " syllables, " +
+  const std::string line = PrintableText(path) + ": " + std::to_string(audio.GetNumOfWords()) +
+                           " words, " + std::to_string(audio.GetNumOfSyllables()) + " syllables, " +
                            std::to_string(audio.GetNumOfPhonemes()) + " phonemes, " +
                            Fixed(Seconds(audio.GetNumOfSamples()), 3) + " s\n";
   std::fputs(line.c_str(), stdout);
@@ -117,10 +121,7 @@ CLI::App* AddTutorCommand(CLI::App& app, TutorOptions& options) {
                    "5.4 minutes")
       ->type_name("")
       ->required();
-  tutor->add_option("--lang", options.language, "Language of the sentence")
-      ->check(CLI::IsMember({"en", "zh", "ja"}))
-      ->type_name("CODE")
-      ->required();
+  AddLanguageOption(*tutor, options.language, "Language of the sentence");
   tutor->add_option("--text", options.text, "The sentence that was read")
       ->type_name("SENTENCE")
       ->required();
@@ -151,7 +152,7 @@ int RunTutor(const TutorOptions& options) {
   if (!Load(options, language, console)) return kWrongUsage;
   std::vector<AlignJob> jobs = {{options.file, {options.text}, {}}};
   const SentencePlan plan = PlanSentences(jobs, language, options.skip_unknown);
-  console.Error(plan.messages);
+  console.Lines(plan.messages);
   if (!plan.usable) return kWrongUsage;
 
   std::string messages;
@@ -165,8 +166,7 @@ int RunTutor(const TutorOptions& options) {
     PrintSummary(options.output, *tutor);
     return "";
   });
-  std::istringstream lines(messages);
-  for (std::string line; std::getline(lines, line);) console.Error(options.file + ": " + line);
+  PrintMessages(console, options.file, messages);
   console.Error(error);
   return error.empty() ? kAllDone : kSomeFailed;
 }

@@ -14,6 +14,7 @@ namespace {
 using test::SampleReport;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 AlignmentReport FailedReport() {
   AlignmentReport report;
@@ -222,6 +223,66 @@ TEST(AudacityLabels, AreTabbed) {
   EXPECT_EQ(AudacityLabels(report, Tier::kWords),
             "0.099773\t0.299320\tG O\n"
             "0.399093\t0.798186\tAWAY\n");
+}
+
+// A file and a word that would add lines, fields and formulas.
+AlignmentReport HostileReport() {
+  AlignmentReport report = SampleReport();
+  report.file = "=cmd|' /C calc'!A1\n9.wav";
+  report.sentence = "-go\nlog probability 0\x1B]0;title\x07";
+  report.words[0].text = "@G\t\"O\nx";
+  report.words[1].text = "";
+  return report;
+}
+
+TEST(Formats, NoNameOrWordBreaksATable) {
+  const std::string table = Table(HostileReport());
+  EXPECT_THAT(table, StartsWith("=cmd|' /C calc'!A1 9.wav: 1.000 s, English\n"
+                                "sentence 2: -go log probability 0\xEF\xBF\xBD]0;title"
+                                "\xEF\xBF\xBD\nlog probability -123.46\n\n"));
+  EXPECT_THAT(table, HasSubstr("   @G \"O x\n"));
+}
+
+TEST(Formats, NoNameOrWordBreaksATextGrid) {
+  EXPECT_THAT(TextGrid(HostileReport()), HasSubstr("            text = \"@G \"\"O x\"\n"));
+}
+
+TEST(Formats, NoNameOrWordBreaksTimeMarks) {
+  EXPECT_EQ(Ctm(HostileReport(),
+                ";;a\tb\xE3\x80\x80"
+                "c",
+                Tier::kWords),
+            "_;a_b_c 1 0.100 0.200 @G_\"O_x 0.5000\n"
+            "_;a_b_c 1 0.399 0.399 _ 0.2500\n");
+}
+
+TEST(Formats, NoNameOrWordBreaksLabels) {
+  EXPECT_EQ(AudacityLabels(HostileReport(), Tier::kWords),
+            "0.099773\t0.299320\t@G \"O x\n"
+            "0.399093\t0.798186\t\n");
+}
+
+// Names and words are defused, phonemes never: "@" is one.
+TEST(Formats, NoNameOrWordRunsInASpreadsheet) {
+  AlignmentReport report = HostileReport();
+  report.syllables[1].text = "@";
+  report.syllables.erase(report.syllables.begin());
+  report.words.resize(1);
+  report.syllables.resize(1);
+  report.phonemes = {{"-", 2200, 3300}};
+  EXPECT_EQ(Csv(report, std::nullopt),
+            "'=cmd|' /C calc'!A1 9.wav,words,\"'@G \"\"O x\",2200,6600,0.099773,0.299320\r\n"
+            "'=cmd|' /C calc'!A1 9.wav,syllables,@,8800,9900,0.399093,0.448980\r\n"
+            "'=cmd|' /C calc'!A1 9.wav,phonemes,-,2200,3300,0.099773,0.149660\r\n");
+}
+
+// What a terminal would obey is escaped, and read back as it was.
+TEST(Json, ControlCharactersAreEscaped) {
+  AlignmentReport report = SampleReport();
+  report.sentence = "a\x1B\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA8z";
+  const std::string text = Json(report);
+  EXPECT_THAT(text, HasSubstr("\"a\\u001b\\u007f\\u009b\\u202e\\u2028z\""));
+  EXPECT_EQ(nlohmann::json::parse(text)["sentence"], report.sentence);
 }
 
 TEST(Formats, FailedFilesShowInJsonOnly) {

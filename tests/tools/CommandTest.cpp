@@ -117,6 +117,55 @@ TEST_F(Command, WrongUsageIsTwoAndReadsNothing) {
   }
 }
 
+TEST_F(Command, AnUnknownCommandIsNamed) {
+  const ProcessResult result = RunVeral3({"algin", "--lang", "en"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, StartsWith("veral3: no command \"algin\"; there are align, analyze, "));
+  EXPECT_THAT(RunVeral3({"--lang", "en"}).err, StartsWith("veral3: no option \"--lang\" before"));
+  EXPECT_THAT(RunVeral3({"align"}).err, StartsWith("veral3: --lang is required\n"));
+}
+
+TEST_F(Command, ALanguageMayBeInCapitalsOrNamed) {
+  for (const char* language : {"EN", "En", "English", "ENGLISH", "english"}) {
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"align", "--text", "apple", Path("a.wav")},
+             {"analyze", "--text", "apple", Path("a.wav")},
+             {"annotate", Path("a.wav")},
+             {"check-text", "apple"},
+             {"tutor", "--text", "apple", Path("a.wav"), "-o", Path("t.wav")}}) {
+      std::vector<std::string> words = arguments;
+      words.insert(words.end(), {"--resources", Path("res"), "--lang", language});
+      EXPECT_EQ(RunVeral3(words).status, 0) << arguments[0] << " " << language;
+    }
+    EXPECT_THAT(RunVeral3({"grade", "--lang", language, "--resources", Path("res"),
+                           "--pronunciation-only", "--text", "apple", Path("a.wav")})
+                    .err,
+                HasSubstr("EnglishPhon.model"));  // which is not there
+  }
+  EXPECT_THAT(RunVeral3({"check-text", "--lang", "fr", "apple"}).err,
+              HasSubstr("--lang: \"fr\" is none of en, zh, ja"));
+}
+
+TEST_F(Command, EveryCommandThatWritesTakesTheShortOption) {
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{"align", "--text", "apple"},
+                                             {"analyze", "--text", "apple"},
+                                             {"annotate"},
+                                             {"tutor", "--text", "apple"},
+                                             {"denoise"}}) {
+    std::vector<std::string> words = arguments;
+    words.insert(words.end(), {Path("a.wav"), "-o", Path(arguments[0])});
+    if (arguments[0] != "denoise") {
+      words.insert(words.end(), {"--lang", "en", "--resources", Path("res")});
+    }
+    const ProcessResult result = RunVeral3(words);
+    EXPECT_EQ(result.status, 0) << arguments[0] << result.err;
+    EXPECT_THAT(ReadFile(Path(arguments[0])), Not(IsEmpty()));
+  }
+  const ProcessResult help = RunVeral3({"grade", "--help"});
+  EXPECT_THAT(help.out, HasSubstr("-o,--output"));
+}
+
 TEST_F(Command, MissingResourcesNameWhereItLooked) {
   const ProcessResult given = RunVeral3(
       {"align", "--lang", "ja", "--resources", Path("res"), "--text", "x", Path("a.wav")});

@@ -63,6 +63,26 @@ TEST(SegmentText, UnknownKanaBecomeInlinePronunciations) {
   EXPECT_EQ(Cut(L"スマホ", cost), "スマホ");  // in Chinese they say nothing
 }
 
+// A length mark, a small kana and a small tsu say nothing on their own, whatever words the
+// characters before them make.
+TEST(SegmentText, KanaThatGoOnStayWithTheirOwn) {
+  const WordCost cost = Costs({{L"ら", 20},
+                               {L"めん", 60},
+                               {L"麺", 60},
+                               {L"メ", 10},
+                               {L"タ", 10},
+                               {L"って", 10},
+                               {L"フ", 10}});
+  EXPECT_EQ(Cut(L"らーめん", cost, kLanguageJapanese), "|1 1 ? 1 1 0 raa|らー めん");
+  EXPECT_EQ(Cut(L"メー", cost, kLanguageJapanese), "|1 1 ? 1 1 0 mee|メー");
+  EXPECT_EQ(Cut(L"めんー", cost, kLanguageJapanese), "めんー");  // none to lengthen: a missing word
+  EXPECT_EQ(Cut(L"フォメ", cost, kLanguageJapanese), "|1 1 ? 1 1 0 fo|フォ メ");
+  EXPECT_EQ(Cut(L"メッタ", cost, kLanguageJapanese), "|1 1 ? 2 11 0 3 metta|メッタ");
+  // A word of the dictionary may begin with one.
+  EXPECT_EQ(Cut(L"麺って", cost, kLanguageJapanese), "麺 って");
+  EXPECT_EQ(Cut(L"ー", cost, kLanguageJapanese), "ー");
+}
+
 TEST(SegmentText, InlineSegmentsStay) {
   EXPECT_EQ(Cut(L"研究|1 1 ? 2 44 0 2 l@s@|垃圾 生命的", kLife),
             "研究|1 1 ? 2 44 0 2 l@s@|垃圾 生命 的");

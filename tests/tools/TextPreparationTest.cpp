@@ -125,6 +125,15 @@ TEST(UnreadSymbols, AreTheSpokenOnes) {
   EXPECT_THAT(UnreadSymbols("|1 1 ? 1 1 0 h@t|hut", kLanguageEnglish), IsEmpty());
 }
 
+TEST(UnreadSymbols, SignsBetweenNumbersAreSpoken) {
+  EXPECT_THAT(UnreadSymbols("1/2", kLanguageEnglish), ElementsAre("/"));
+  EXPECT_THAT(UnreadSymbols(Utf8FromWide(L"\uFF11\uFF0F\uFF12"), kLanguageJapanese),
+              ElementsAre("/"));
+  EXPECT_THAT(UnreadSymbols(Utf8FromWide(L"3 \u00D7 4 ~ 5"), kLanguageChinese),
+              ElementsAre(Utf8FromWide(L"\u00D7"), "~"));
+  EXPECT_THAT(UnreadSymbols("and/or 1/ /2 a/2 8:30", kLanguageEnglish), IsEmpty());
+}
+
 TEST(InlinePronunciationHelp, HasTheWordAndAnExampleOfTheLanguage) {
   EXPECT_EQ(InlinePronunciationHelp("blorf", kLanguageEnglish),
             "write it with its pronunciation in its place, as\n"

@@ -96,6 +96,50 @@ TEST(CheckTextCommand, ReadingGivesTheInlinePronunciation) {
   EXPECT_EQ(CheckText("en", {"--reading", "a", "b"}).status, 2);
 }
 
+TEST(CheckTextCommand, AReadingHasASyllableForEachChineseCharacter) {
+  const test::ProcessResult fewer = CheckText("zh", {"--reading", "ni3", "你好"});
+  EXPECT_EQ(fewer.status, 2);
+  EXPECT_EQ(fewer.out, "");
+  EXPECT_EQ(fewer.err, "veral3: \"你好\" has 2 characters, the reading 1 syllable\n");
+  const test::ProcessResult more = CheckText("zh", {"--reading", "ni3 hao3", "您好", "好"});
+  EXPECT_EQ(more.status, 2);
+  EXPECT_EQ(more.out, "");  // not of the first one either
+  EXPECT_EQ(more.err, "veral3: \"好\" has 1 character, the reading 2 syllables\n");
+  // How Latin letters are read is nobody's to say.
+  EXPECT_EQ(CheckText("zh", {"--reading", "ti4 xu4", "T恤"}).status, 0);
+  EXPECT_EQ(CheckText("zh", {"--reading", "xu4", "T恤"}).status, 2);
+  EXPECT_EQ(CheckText("zh", {"--reading", "ou1 kei1", "OK"}).status, 0);
+  EXPECT_EQ(CheckText("ja", {"--reading", "きょう", "今日"}).status, 0);
+  // What would be two words, or another segment.
+  EXPECT_EQ(CheckText("zh", {"--reading", "ni3 hao3", "你 好"}).status, 2);
+  EXPECT_EQ(CheckText("zh", {"--reading", "ni3 hao3", "|你好"}).status, 2);
+}
+
+TEST(CheckTextCommand, ALengthMarkIsReadWithItsKana) {
+  EXPECT_EQ(Readings(CheckTextJson("ja", "らーめん")), "らー めん");
+  EXPECT_EQ(Readings(CheckTextJson("ja", "すごーい")), "す ごー い");
+  EXPECT_EQ(Readings(CheckTextJson("ja", "食べるー")), "たべ るー");
+  EXPECT_EQ(CheckTextJson("ja", "んー", 1)["missing"], json::array({"んー"}));
+}
+
+TEST(CheckTextCommand, ASignBetweenNumbersIsNamed) {
+  for (const char* language : {"en", "zh", "ja"}) {
+    const test::ProcessResult result = CheckText(language, {"--text", "1/2"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "veral3: not read, write in words what is spoken: /\n");
+  }
+  EXPECT_EQ(CheckTextJson("en", "1/2")["unread_symbols"], json::array({"/"}));
+}
+
+TEST(TextTable, ColumnsStandWhereATerminalPutsThem) {
+  TextReport report;
+  report.words = {{"e\xCC\x81", true, {{{{"x", 1}}, "r"}}}, {"\xF0\xA0\x80\x80", false, {}}};
+  EXPECT_EQ(TextTable(report, kLanguageEnglish),
+            "word  sounds                 syllables  stress\n"
+            "e\xCC\x81     r                      x          1\n"
+            "\xF0\xA0\x80\x80    not in the dictionary\n");
+}
+
 TEST(CheckTextCommand, WrongUsage) {
   EXPECT_EQ(CheckText("zh", {}).status, 2);
   EXPECT_EQ(CheckText("zh", {"\xFF"}).status, 2);

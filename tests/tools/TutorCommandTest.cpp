@@ -224,7 +224,7 @@ TEST_F(InspectCommand, ATutorFile) {
   EXPECT_EQ(table.status, 0);
   EXPECT_THAT(table.out,
               AllOf(StartsWith(Path("t.wav") + "\n  kind                    tutor file\n"),
-                    HasSubstr("  teacher                 A [2J B\n"),
+                    HasSubstr("  teacher                 A\xEF\xBF\xBD[2J B\n"),
                     HasSubstr("  sentence                I READ THE CAT\n")));
 }
 
