@@ -224,7 +224,9 @@ void Play(const Language& language, std::uint8_t ways, bool sound_models, ByteSo
   Grade(learner, tutor, sound_models);
   SavedAlignedAudio own(language.type);
   const std::vector<unsigned char> record = RecordOf(learner);
-  if (!record.empty() && LoadRecord(own, record) == 0) {
+  const bool loaded = !record.empty() && LoadRecord(own, record) == 0;
+  Require(loaded || record.empty() || !sound_models);
+  if (loaded) {
     CheckRecord(learner, own);
     Grade(learner, own, sound_models);
   }
