@@ -581,4 +581,8 @@ LiteralGrades GradeLiterally(const Pair& pair) {
   return grades;
 }
 
+const std::vector<double>& LiteralNormalisers(LanguageType language) {
+  return SymbolsOf(static_cast<int>(language)).normaliser;
+}
+
 }  // namespace veral3::test

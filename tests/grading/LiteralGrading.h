@@ -31,4 +31,7 @@ struct LiteralGrades {
 
 LiteralGrades GradeLiterally(const Pair& pair);
 
+// The normalisers of a language's phonemes in the order of its set.
+const std::vector<double>& LiteralNormalisers(LanguageType language);
+
 }  // namespace veral3::test

@@ -8,6 +8,7 @@
 
 #include "grading/GradedResult.h"
 #include "grading/LiteralGrading.h"
+#include "grading/PhonProbGrader.h"
 #include "support/MessageCapture.h"
 
 namespace veral3 {
@@ -126,6 +127,14 @@ TEST(LiteralGrading, OddPairs) {
   EXPECT_GT(seen.other_counts, 1000);
   EXPECT_GT(seen.failed, 500);
   EXPECT_GT(seen.refused, 100);
+}
+
+TEST(LiteralGrading, Normalisers) {
+  for (const LanguageType language : {kLanguageEnglish, kLanguageChinese, kLanguageJapanese}) {
+    const auto normalisers = PhonemeNormalisersOf(language);
+    EXPECT_EQ(std::vector<double>(normalisers.begin(), normalisers.end()),
+              test::LiteralNormalisers(language));
+  }
 }
 
 TEST(LiteralGrading, PronunciationAlone) {

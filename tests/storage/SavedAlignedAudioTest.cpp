@@ -195,6 +195,89 @@ TEST_F(SavedAlignedAudioTest, WhatIsRefusedLeavesTheRecordingAsItWas) {
   EXPECT_EQ(m_messages.Entries().size(), 5u);
 }
 
+TEST_F(SavedAlignedAudioTest, RefusalsInWords) {
+  Record record{};
+  HLYFile file;
+  SavedAlignedAudio audio(kLanguageEnglish);
+  const auto said = [&](HLYFile* from, int result) {
+    m_messages.Clear();
+    EXPECT_EQ(audio.LoadFromHLY(from), result);
+    EXPECT_EQ(m_messages.All(), m_messages.Of(MessageStream::kError));
+    return m_messages.All();
+  };
+  EXPECT_EQ(said(nullptr, -1), "AlignedAudio::LoadFromHLY(): Error, no HLY file.\n");
+  file.SetHLYVersion(4);
+  file.SetAlignInfo(record.data(), 2544);
+  EXPECT_EQ(said(&file, -1),
+            "AlignedAudio::LoadFromHLY(): Error, cannot load alined data from an old HLY file with "
+            "Version = [\x04]\n");
+  file.SetHLYVersion(5);
+  EXPECT_EQ(said(&file, 0), "");
+  file.SetAlignInfo(record.data(), 2543);
+  EXPECT_EQ(said(&file, -1),
+            "AlignedAudio::LoadFromHLY(): Error, incorrect size of align info in HLY file.\n");
+  file.SetAlignInfo(nullptr, 2544);
+  EXPECT_EQ(said(&file, -1), "AlignedAudio::LoadFromHLY(): Error, no align info in HLY file.\n");
+  std::vector<unsigned char> longer(2545, 0);
+  file.SetAlignInfo(longer.data(), 2545);
+  EXPECT_EQ(said(&file, 0),
+            "AlignedAudio::LoadFromHLY(): Warning, larger align info in the HLY file. Is this a "
+            "new version of HLY file format?\n");
+}
+
+// Each count has its own bound: what lies behind it in the record is not read.
+TEST_F(SavedAlignedAudioTest, CountsBoundTheirArrays) {
+  AlignInfo info;
+  info.num_phonemes = 3;
+  info.num_syllables = 2;
+  info.num_words = 1;
+  info.phonemes = {'a', 'b', 'c', 'd'};
+  info.phoneme_start = {1, 2, 3, 4};
+  info.phoneme_end = {2, 3, 4, 5};
+  info.syllable_start = {0, 1, 2};
+  info.syllable_pitch = {100, 201, 900};
+  info.syllable_duration = {10, 20, 30};
+  info.syllable_intensity = {1.0F, 2.0F, 3.0F};
+  info.tone_or_stress = {4, 5, 6};
+  info.word_start = {0, 1};
+  info.num_pitch_segments = 9;
+  info.tone_prob[1] = {1, 2, 3, 4, 5};
+  info.wave[99] = 7;
+  info.pitch_contour[127] = 8;
+  info.intensity_contour[0] = 9;
+  info.intensity_contour[127] = 10;
+  SavedAlignedAudio audio(kLanguageChinese);
+  ASSERT_EQ(Load(audio, info), 0);
+  EXPECT_EQ(audio.GetPhonemeStartSampleNum(2), 660);
+  EXPECT_EQ(audio.GetPhonemeStartSampleNum(3), 0);
+  EXPECT_EQ(audio.GetPhonemeEndSampleNum(2), 880);
+  EXPECT_EQ(audio.GetPhonemeEndSampleNum(3), 0);
+  EXPECT_EQ(audio.GetUttStartSampleNum(), 220);
+  EXPECT_EQ(audio.GetUttEndSampleNum(), 880);
+  EXPECT_EQ(audio.GetSyllableStartPosition(1), 1);
+  EXPECT_EQ(audio.GetSyllableStartPosition(2), 0);
+  EXPECT_EQ(audio.GetSyllablePitch(1), 201);
+  EXPECT_EQ(audio.GetSyllablePitch(2), 0);
+  EXPECT_EQ(audio.GetSyllableDuration(1), 20);
+  EXPECT_EQ(audio.GetSyllableDuration(2), 0);
+  EXPECT_EQ(audio.GetSyllableIntensity(1), 2.0);
+  EXPECT_EQ(audio.GetSyllableIntensity(2), 0.0);
+  EXPECT_EQ(audio.GetSyllableToneOrStress(1), 5);
+  EXPECT_EQ(audio.GetSyllableToneOrStress(2), 0);
+  EXPECT_EQ(audio.GetWordStartPosition(0), 0);
+  EXPECT_EQ(audio.GetWordStartPosition(1), 0);
+  EXPECT_EQ(audio.GetWordPitch(0), 150);
+  EXPECT_EQ(audio.GetUttNumOfPitchSegments(), 9);
+  EXPECT_DOUBLE_EQ(audio.GetSylToneProb(1, 0), 0.01);
+  EXPECT_DOUBLE_EQ(audio.GetSylToneProb(1, 4), 0.05);
+  EXPECT_EQ(audio.GetWaveY(99), 7 * 128);
+  EXPECT_EQ(audio.GetPitchContour(127), 8);
+  EXPECT_EQ(audio.GetIntensityContour(0), 9);
+  EXPECT_EQ(audio.GetIntensityContour(127), 10);
+  EXPECT_EQ(audio.GetIntensityContour(128), 0);
+  EXPECT_EQ(audio.GetPitchContour(-1), 0);
+}
+
 TEST_F(SavedAlignedAudioTest, CountsThatNoRecordHasAreRefused) {
   struct Case {
     std::int16_t phonemes, syllables, words;

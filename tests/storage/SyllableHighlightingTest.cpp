@@ -9,14 +9,19 @@ namespace {
 
 class HandMade final : public AlignedAudio {
  public:
-  explicit HandMade(std::vector<int> values) : m_values(std::move(values)) {}
+  explicit HandMade(std::vector<int> values)
+      : HandMade(values, {values.begin(), values.end()}, values) {}
+  HandMade(std::vector<int> pitch, std::vector<double> intensity, std::vector<int> duration)
+      : m_pitch(std::move(pitch)),
+        m_intensity(std::move(intensity)),
+        m_duration(std::move(duration)) {}
 
   LanguageType GetLanguageType() override { return kLanguageEnglish; }
   const char* GetPhonemes() override { return ""; }
   CString GetMatchedSentence() override { return {}; }
   int GetNumOfSamples() override { return 0; }
   int GetNumOfPhonemes() override { return 0; }
-  int GetNumOfSyllables() override { return static_cast<int>(m_values.size()); }
+  int GetNumOfSyllables() override { return static_cast<int>(m_pitch.size()); }
   int GetNumOfWords() override { return 0; }
   int GetPhonemeStartSampleNum(int) override { return 0; }
   int GetPhonemeEndSampleNum(int) override { return 0; }
@@ -24,11 +29,11 @@ class HandMade final : public AlignedAudio {
   int GetUttEndSampleNum() override { return 0; }
   int GetSyllableStartPosition(int) override { return 0; }
   int GetWordStartPosition(int) override { return 0; }
-  int GetSyllablePitch(int syl) override { return Value(syl); }
+  int GetSyllablePitch(int syl) override { return m_pitch[Index(syl)]; }
   double GetSylToneProb(int, int) override { return 0.0; }
   int GetSyllableToneOrStress(int) override { return 0; }
-  int GetSyllableDuration(int syl) override { return Value(syl); }
-  double GetSyllableIntensity(int syl) override { return Value(syl); }
+  int GetSyllableDuration(int syl) override { return m_duration[Index(syl)]; }
+  double GetSyllableIntensity(int syl) override { return m_intensity[Index(syl)]; }
   int GetUttNumOfPitchSegments() override { return 0; }
   int GetWaveY(int) override { return 0; }
   int GetPitchContour(int) override { return 0; }
@@ -36,8 +41,10 @@ class HandMade final : public AlignedAudio {
   int GetWordPitch(int) override { return 0; }
 
  private:
-  int Value(int syl) const { return m_values[static_cast<std::size_t>(syl)]; }
-  std::vector<int> m_values;
+  static std::size_t Index(int syl) { return static_cast<std::size_t>(syl); }
+  std::vector<int> m_pitch;
+  std::vector<double> m_intensity;
+  std::vector<int> m_duration;
 };
 
 using Picks = std::vector<int>;
@@ -66,6 +73,8 @@ TEST(SyllableHighlighting, FewerSyllablesThanRanks) {
 TEST(SyllableHighlighting, MinusOneIsPickedByThePitchHelperOnly) {
   EXPECT_EQ(Pick({-1, -1}, &AlignedAudio::FindHighPitchSyallbles), (Picks{1, 0, -1}));
   EXPECT_EQ(Pick({-1, -1}, &AlignedAudio::FindLongDurationSyallbles), (Picks{-1, -1, -1}));
+  EXPECT_EQ(Pick({-1, -1}, &AlignedAudio::FindHighIntensitySyallbles), (Picks{-1, -1, -1}));
+  EXPECT_EQ(Pick({-2, -1}, &AlignedAudio::FindHighPitchSyallbles), (Picks{1, -1, -1}));
 }
 
 TEST(SyllableHighlighting, AveragePitchIsCutAndNothingDividesByZero) {
@@ -78,6 +87,24 @@ TEST(SyllableHighlighting, NullArgumentsArePassedOver) {
   int third = 9;
   audio.FindHighPitchSyallbles(nullptr, nullptr, &third);
   EXPECT_EQ(third, 1);
+  int first = 9, second = 9;
+  audio.FindHighIntensitySyallbles(&first, nullptr, nullptr);
+  EXPECT_EQ(first, 0);
+  audio.FindLongDurationSyallbles(nullptr, &second, nullptr);
+  EXPECT_EQ(second, 2);
+}
+
+// Each picker goes by a measure of its own.
+TEST(SyllableHighlighting, MeasuresAreTheirOwn) {
+  HandMade audio({4, 3, 2, 1}, {0.25, 0.75, 0.5, 0.125}, {1, 2, 3, 4});
+  Picks picks(3);
+  audio.FindHighPitchSyallbles(&picks[0], &picks[1], &picks[2]);
+  EXPECT_EQ(picks, (Picks{0, 1, 2}));
+  audio.FindHighIntensitySyallbles(&picks[0], &picks[1], &picks[2]);
+  EXPECT_EQ(picks, (Picks{1, 2, 0}));
+  audio.FindLongDurationSyallbles(&picks[0], &picks[1], &picks[2]);
+  EXPECT_EQ(picks, (Picks{3, 2, 1}));
+  EXPECT_EQ(audio.GetUttAveragePitch(), 2);  // 10 / 4
 }
 
 }  // namespace
