@@ -60,6 +60,18 @@ std::vector<OptionalModel> OptionalModelsOf(LanguageType language) {
   return models;
 }
 
+// What the engine wrote of files in a folder, whose name shall add no lines to it.
+std::string WithPrintableFolder(std::string messages, const std::filesystem::path& folder) {
+  const std::string& name = folder.native();
+  const std::string printable = PrintableText(name);
+  if (name.empty() || name == printable) return messages;
+  for (std::size_t at = 0; (at = messages.find(name, at)) != std::string::npos;) {
+    messages.replace(at, name.size(), printable);
+    at += printable.size();
+  }
+  return messages;
+}
+
 // Why the model cannot be used, "" when it is loaded.
 std::string LoadModel(const std::filesystem::path& model, ModelFileType type,
                       const EngineMessages& messages) {
@@ -160,7 +172,7 @@ Result<LoadedResources> LoadResources(const std::filesystem::path& folder, Langu
       return Failure::Failure(std::move(loaded.missing));
     }
   }
-  loaded.messages += messages.Text();
+  loaded.messages = WithPrintableFolder(loaded.messages + messages.Text(), folder);
   return loaded;
 }
 

@@ -164,15 +164,23 @@ SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
 std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType language) {
   std::vector<std::string> symbols;
   const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
+  // Nothing in an inline segment is read from a text, nor is the word behind a pronunciation.
   bool inline_segment = false;
+  bool inline_word = false;
   for (std::size_t i = 0; i < usual.size(); ++i) {
     const wchar_t c = usual[i];
-    if (c == L'|') inline_segment = !inline_segment;
+    if (c == L'|') {
+      inline_word = inline_segment ? inline_word : usual.substr(i + 1, 1) == L"1";
+      inline_segment = !inline_segment;
+    } else if (c == L' ' && !inline_segment) {
+      inline_word = false;
+    }
     const bool read = language != kLanguageEnglish && c == L'%' && i > 0 && IsDigit(usual[i - 1]);
     const bool is_spoken =
         kSpokenSymbols.find(c) != std::wstring_view::npos ||
         (kSignsBetweenNumbers.find(c) != std::wstring_view::npos && IsBetweenNumbers(usual, i));
-    if (!inline_segment && !read && is_spoken) AddOnce(symbols, std::wstring_view(&c, 1));
+    if (!inline_segment && !inline_word && !read && is_spoken)
+      AddOnce(symbols, std::wstring_view(&c, 1));
   }
   return symbols;
 }

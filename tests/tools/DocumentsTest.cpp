@@ -87,8 +87,8 @@ class Documents : public testing::Test {
       WriteFile(Folder() / "script",
                 "cd '" + Folder().string() + "'\nPATH='" + bin + "':$PATH\n" + shown.command);
       const std::string run = "sh '" + (Folder() / "script").string() + "' >'" +
-                              (Folder() / "out").string() + "' 2>'" +
-                              (Folder() / "err").string() + "' </dev/null";
+                              (Folder() / "out").string() + "' 2>'" + (Folder() / "err").string() +
+                              "' </dev/null";
       EXPECT_EQ(std::system(run.c_str()), 0) << shown.command << ReadFile(Folder() / "err");
       ++counts.first;
       if (shown.output.empty()) continue;

@@ -24,7 +24,10 @@ using veral3::test::ReadFile;
 // Sets a terminal's title, and looks like a table of its own where its line ends count.
 constexpr const char* kTeacher =
     "A\x1B]0;owned\x07\nlearner.wav: 1.000 s, English, against t.wav\nsentence: x\ntotal 100   "
-    "pronunciation 100\r\xC2\x9B" "2J\xE2\x80\xAE" "B\xE2\x80\xA8" "C\x7F";
+    "pronunciation 100\r\xC2\x9B"
+    "2J\xE2\x80\xAE"
+    "B\xE2\x80\xA8"
+    "C\x7F";
 
 // The code points of `text` that a terminal obeys, line ends aside.
 std::string Obeyed(const std::string& text) {
@@ -60,8 +63,10 @@ class ForeignText : public test::SmallResources {
   void MakeTutor() const {
     const ProcessResult made =
         Run("tutor", "en",
-            {"--text", "I read\n\x1B the \xE2\x80\xAE" "cat", "--teacher", kTeacher,
-             Path("plain.wav"), "-o", Path("tutor.wav")});
+            {"--text",
+             "I read\n\x1B the \xE2\x80\xAE"
+             "cat",
+             "--teacher", kTeacher, Path("plain.wav"), "-o", Path("tutor.wav")});
     ASSERT_EQ(made.status, 0) << made.err;
     EXPECT_EQ(Obeyed(made.out + made.err), "");
   }
@@ -126,8 +131,8 @@ TEST_F(ForeignText, OfAFileNameReachesNobodyRaw) {
     const ProcessResult result = Run("align", "en", arguments);
     ASSERT_EQ(result.status, 0) << result.err;
     std::string text = result.out;
-    if (format == "csv") std::erase(text, '\r');        // its line ends are CR LF
-    if (format == "audacity") std::erase(text, '\t');   // its fields are parted so
+    if (format == "csv") std::erase(text, '\r');       // its line ends are CR LF
+    if (format == "audacity") std::erase(text, '\t');  // its fields are parted so
     EXPECT_EQ(Obeyed(text), "") << format;
     EXPECT_TRUE(IsUtf8Text(result.out)) << format;
     EXPECT_EQ(LinesThatBegin(result.out, "veral3: "), 0) << format;
@@ -164,9 +169,11 @@ TEST_F(ForeignText, OfAFileNameReachesNobodyRaw) {
     EXPECT_EQ(std::ranges::count(missing.err, '\n'), 1) << missing.err;
   }
   // A folder of resources, a text file and a tutor of such a name.
-  for (const std::vector<std::string>& more : std::vector<std::vector<std::string>>{
-           {"--resources", name, "--text", "apple"}, {"--text-file", name}, {"--list", name},
-           {"--tutor", name}}) {
+  for (const std::vector<std::string>& more :
+       std::vector<std::vector<std::string>>{{"--resources", name, "--text", "apple"},
+                                             {"--text-file", name},
+                                             {"--list", name},
+                                             {"--tutor", name}}) {
     std::vector<std::string> arguments = {more[0] == "--tutor" ? "grade" : "align", "--lang", "en"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     arguments.push_back(Path("learner.wav"));
@@ -177,13 +184,33 @@ TEST_F(ForeignText, OfAFileNameReachesNobodyRaw) {
   }
 }
 
+TEST_F(ForeignText, OfAFolderAddsNoLinesToWhatWasLoaded) {
+  const std::string folder = Path("res\nveral3: all is well");
+  std::filesystem::rename(Path("res"), folder);
+  for (const std::vector<std::string>& more : std::vector<std::vector<std::string>>{
+           {"align", Path("plain.wav")}, {"tutor", Path("plain.wav"), "-o", Path("t.wav")}}) {
+    std::vector<std::string> arguments = more;
+    arguments.insert(arguments.end(),
+                     {"--lang", "en", "--text", "apple", "--verbose", "--resources", folder});
+    const ProcessResult result = RunVeral3(arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(Obeyed(result.err), "");
+    EXPECT_THAT(result.err, HasSubstr("words loaded from <" + Path("res veral3: all is well")));
+    EXPECT_EQ(LinesThatBegin(result.err, "veral3: veral3: all is well"), 0) << result.err;
+    EXPECT_EQ(LinesThatBegin(result.err, "veral3: all is well"), 0) << result.err;
+  }
+}
+
 TEST_F(ForeignText, OfASentenceAddsNoMessages) {
   const ProcessResult result =
       Run("align", "en", {"--text", "bl\x1B[2Jorf\nveral3: all is well", Path("learner.wav")});
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(Obeyed(result.err), "");
   EXPECT_EQ(LinesThatBegin(result.err, "veral3: all is well"), 0) << result.err;
-  const ProcessResult checked = Run("check-text", "en", {"apple\x1B[2J\nfine", "a\x9B"  "b"});
+  const ProcessResult checked = Run("check-text", "en",
+                                    {"apple\x1B[2J\nfine",
+                                     "a\x9B"
+                                     "b"});
   EXPECT_EQ(Obeyed(checked.out + checked.err), "");
   const ProcessResult texts = Run("check-text", "en", {"apple\nword  forged", "apple"});
   EXPECT_EQ(LinesThatBegin(texts.out, "word  forged"), 0) << texts.out;
@@ -206,9 +233,9 @@ TEST_F(ForeignText, OfTheCommandLineIsToldAsText) {
 }
 
 TEST_F(ForeignText, OfAWordIsDefusedInASpreadsheet) {
-  const ProcessResult result =
-      Run("align", "en", {"--text", "I |1 1 ? 1 1 0 rid|=1+1 the cat", "--format", "csv", "--tier",
-                          "words", Path("learner.wav")});
+  const ProcessResult result = Run("align", "en",
+                                   {"--text", "I |1 1 ? 1 1 0 rid|=1+1 the cat", "--format", "csv",
+                                    "--tier", "words", Path("learner.wav")});
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(result.out, HasSubstr(",words,'=1+1,"));
   EXPECT_THAT(result.out, Not(HasSubstr(",=1+1,")));

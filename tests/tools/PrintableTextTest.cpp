@@ -27,16 +27,20 @@ TEST(PrintableText, WhatPartsLinesAndFieldsIsABlank) {
 }
 
 TEST(PrintableText, WhatATerminalObeysIsReplaced) {
-  const std::string replaced = "a\xEF\xBF\xBD" "b";
+  const std::string replaced =
+      "a\xEF\xBF\xBD"
+      "b";
   for (int c = 0; c < 0xA0; ++c) {
     if ((c >= 0x20 && c < 0x7F) || (c >= 0x09 && c <= 0x0D) || c == 0x85) continue;
     EXPECT_EQ(Of(static_cast<wchar_t>(c)), replaced) << std::hex << c;
   }
-  for (const wchar_t c :
-       {0x202A, 0x202B, 0x202C, 0x202D, 0x202E, 0x2066, 0x2067, 0x2068, 0x2069}) {
+  for (const wchar_t c : {0x202A, 0x202B, 0x202C, 0x202D, 0x202E, 0x2066, 0x2067, 0x2068, 0x2069}) {
     EXPECT_EQ(Of(c), replaced) << std::hex << static_cast<int>(c);
   }
-  EXPECT_EQ(PrintableText("\x1B]0;title\x07" "A"), "\xEF\xBF\xBD]0;title\xEF\xBF\xBD" "A");
+  EXPECT_EQ(PrintableText("\x1B]0;title\x07"
+                          "A"),
+            "\xEF\xBF\xBD]0;title\xEF\xBF\xBD"
+            "A");
 }
 
 TEST(PrintableText, BytesThatAreNoUtf8AreReplaced) {

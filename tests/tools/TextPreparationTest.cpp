@@ -125,6 +125,12 @@ TEST(UnreadSymbols, AreTheSpokenOnes) {
   EXPECT_THAT(UnreadSymbols("|1 1 ? 1 1 0 h@t|hut", kLanguageEnglish), IsEmpty());
 }
 
+TEST(UnreadSymbols, TheWordOfAnInlinePronunciationIsSaidByIt) {
+  EXPECT_THAT(UnreadSymbols("|1 1 ? 3 100 0 2 3 {tO|AT&T & |1 1 ? 1 1 0 {t|@", kLanguageEnglish),
+              ElementsAre("&"));
+  EXPECT_THAT(UnreadSymbols("|3 12 |% $", kLanguageEnglish), ElementsAre("%", "$"));
+}
+
 TEST(UnreadSymbols, SignsBetweenNumbersAreSpoken) {
   EXPECT_THAT(UnreadSymbols("1/2", kLanguageEnglish), ElementsAre("/"));
   EXPECT_THAT(UnreadSymbols(Utf8FromWide(L"\uFF11\uFF0F\uFF12"), kLanguageJapanese),
