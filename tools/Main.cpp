@@ -1,21 +1,39 @@
 // The `veral3` command: docs/command.md is its manual.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cstdio>
 #include <exception>
+#include <sstream>
+#include <string>
 
 #include "tools/AlignCommand.h"
 #include "tools/AnalyzeCommand.h"
 #include "tools/AnnotateCommand.h"
 #include "tools/CheckTextCommand.h"
+#include "tools/Console.h"
 #include "tools/DenoiseCommand.h"
 #include "tools/GradeCommand.h"
 #include "tools/InspectCommand.h"
+#include "tools/Interruption.h"
 #include "tools/TutorCommand.h"
 
 namespace {
+
+// Prints what CLI11 has to say: help and version on standard output, wrong usage on standard error.
+int Tell(const CLI::App& app, const CLI::ParseError& error) {
+  std::ostringstream text;
+  const bool is_usage = app.exit(error, text, text) != 0;
+  std::fputs(text.str().c_str(), is_usage ? stderr : stdout);
+  if (is_usage) return veral3::tools::kWrongUsage;
+  const std::string problem = veral3::tools::FinishStandardOutput();
+  veral3::tools::Console().Error(problem);
+  return problem.empty() ? veral3::tools::kAllDone : veral3::tools::kSomeFailed;
+}
 
 int Run(int argc, char** argv) {
   using veral3::tools::kWrongUsage;
@@ -50,7 +68,7 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    return Tell(app, error);
   }
   if (align_command->parsed()) return veral3::tools::RunAlign(align);
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
@@ -63,9 +81,20 @@ int Run(int argc, char** argv) {
   return kWrongUsage;
 }
 
+// A standard stream that the caller has closed stays closed in effect: a file that is opened later
+// must not become it, and take messages into a result.
+void HoldStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) == -1)
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  HoldStandardStreams();
+  veral3::tools::CleanUpOnSignals();
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {

@@ -8,7 +8,6 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
-#include <filesystem>
 #include <sstream>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "tools/MakeTutor.h"
 #include "tools/Numbers.h"
 #include "tools/Resources.h"
+#include "tools/RunFiles.h"
 #include "tools/SentencePlan.h"
 #include "tools/TextFiles.h"
 
@@ -66,11 +66,7 @@ std::string UsageError(const TutorOptions& options) {
   if (!options.date.empty() && !DateOf(options.date)) {
     return "\"" + options.date + "\" is no date; write it as 2026-11-21";
   }
-  std::error_code error;
-  if (std::filesystem::equivalent(options.file, options.output, error)) {
-    return "--output is the recording itself; name another file";
-  }
-  return "";
+  return RunFilesProblem({{"the recording", options.file}}, {{"the tutor file", options.output}});
 }
 
 // False after a message.
@@ -113,8 +109,8 @@ CLI::App* AddTutorCommand(CLI::App& app, TutorOptions& options) {
       "tutor", "Makes a tutor file of a recording: learners are graded against it");
   tutor
       ->add_option("FILE", options.file,
-                   "The recording: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, up to "
-                   "5.4 minutes")
+                   "The recording: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile or, where it "
+                   "is there, ffmpeg reads, up to 5.4 minutes; - is standard input")
       ->type_name("")
       ->required();
   tutor->add_option("--lang", options.language, "Language of the sentence")
@@ -163,7 +159,7 @@ int RunTutor(const TutorOptions& options) {
     const std::string problem = WriteTutor(options.output, *tutor);
     if (!problem.empty()) return options.output + ": " + problem;
     PrintSummary(options.output, *tutor);
-    return "";
+    return FinishStandardOutput();
   });
   std::istringstream lines(messages);
   for (std::string line; std::getline(lines, line);) console.Error(options.file + ": " + line);
