@@ -78,7 +78,8 @@ int RunAlign(const AlignOptions& options) {
   const std::vector<std::string> files = FilesOf(*jobs);
   ReportTarget target = TargetOf(format, options.output);
   if (format == Format::kCsv) target.header = CsvHeader();
-  if (const std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
+  const std::string problem = CheckTarget(target, files, TextFilesOf(options));
+  if (!problem.empty()) return fail(problem);
   if (!LoadFor(options, ResourceUse::kAlign, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
   const LanguageType language = LanguageOf(options.language);

@@ -13,12 +13,17 @@ namespace veral3::tools {
 
 Result<AlignedRecording> ReadAndAlign(const AlignJob& job, AnalyzedAudio& audio,
                                       std::string& messages) {
-  using Failure = Result<AlignedRecording>;
   Result<Recording> recording = ReadAudioFile(job.file);
-  if (!recording) return Failure::Failure(recording.Error());
-  if (recording->silent) messages += "is silent: every sample is 0\n";
-  if (recording->clamped > 0) {
-    messages += "is louder than 16 bits hold: " + std::to_string(recording->clamped) +
+  if (!recording) return Result<AlignedRecording>::Failure(recording.Error());
+  return AlignRecording(job, std::move(*recording), audio, messages);
+}
+
+Result<AlignedRecording> AlignRecording(const AlignJob& job, Recording recording,
+                                        AnalyzedAudio& audio, std::string& messages) {
+  using Failure = Result<AlignedRecording>;
+  if (recording.silent) messages += "is silent: every sample is 0\n";
+  if (recording.clamped > 0) {
+    messages += "is louder than 16 bits hold: " + std::to_string(recording.clamped) +
                 " samples were clamped\n";
   }
 
@@ -29,18 +34,17 @@ Result<AlignedRecording> ReadAndAlign(const AlignJob& job, AnalyzedAudio& audio,
     }
   }
   const int matched =
-      audio.Align(static_cast<std::uint32_t>(recording->samples.size()), recording->samples.data());
+      audio.Align(static_cast<std::uint32_t>(recording.samples.size()), recording.samples.data());
   if (matched < 0 || static_cast<std::size_t>(matched) >= job.sentences.size()) {
     std::string error = "cannot be aligned: " + engine.OneLine();
     if (error.find("No Sentence matched") != std::string::npos) {
-      error += " (the recording, " +
-               Fixed(Seconds(static_cast<int>(recording->samples.size())), 3) +
+      error += " (the recording, " + Fixed(Seconds(static_cast<int>(recording.samples.size())), 3) +
                " s, may be too short for the sentence)";
     }
     return Failure::Failure(std::move(error));
   }
   messages += engine.Text();
-  return AlignedRecording{std::move(*recording), job.sentences[static_cast<std::size_t>(matched)]};
+  return AlignedRecording{std::move(recording), job.sentences[static_cast<std::size_t>(matched)]};
 }
 
 std::string ErrorOf(const std::function<std::string()>& step) {

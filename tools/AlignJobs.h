@@ -35,6 +35,10 @@ struct AlignedRecording {
 Result<AlignedRecording> ReadAndAlign(const AlignJob& job, AnalyzedAudio& audio,
                                       std::string& messages);
 
+// The same with the recording already read.
+Result<AlignedRecording> AlignRecording(const AlignJob& job, Recording recording,
+                                        AnalyzedAudio& audio, std::string& messages);
+
 // Why `step` failed, "" when it did not: what it returned, or what it threw in words for the user.
 std::string ErrorOf(const std::function<std::string()>& step);
 

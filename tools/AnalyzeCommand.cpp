@@ -48,7 +48,8 @@ int RunAnalyze(const ReadingOptions& options) {
   const std::vector<std::string> files = FilesOf(*jobs);
   ReportTarget target = TargetOf(format, options.output);
   if (format == Format::kCsv) target.header = AnalysisCsvHeader();
-  if (const std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
+  const std::string problem = CheckTarget(target, files, TextFilesOf(options));
+  if (!problem.empty()) return fail(problem);
   if (!LoadFor(options, ResourceUse::kMeasure, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
   const LanguageType language = LanguageOf(options.language);

@@ -1,6 +1,5 @@
 #include "tools/AudioFile.h"
 
-#include <sndfile.h>
 #include <soxr.h>
 
 #include <algorithm>
@@ -10,10 +9,14 @@
 #include <span>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "signal/CWaveFrameDef.h"
+#include "tools/AudioDecoder.h"
+#include "tools/Mp3Decoder.h"
+#include "tools/Mp3Frames.h"
 #include "tools/Numbers.h"
-#include "tools/SoundFile.h"
+#include "tools/SoundDecoder.h"
 
 namespace veral3::tools {
 namespace {
@@ -117,70 +120,62 @@ std::string TooLong() {
          "has at most 256 words); cut it into sentences";
 }
 
-}  // namespace
-
-std::string FileProblem(const std::filesystem::path& path) {
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
-  if (!std::filesystem::exists(status)) {
-    return error && error != std::errc::no_such_file_or_directory
-               ? "cannot be opened: " + error.message()
-               : "does not exist";
+OpenedDecoder OpenDecoder(const InputFile& file, const FfmpegOptions& ffmpeg) {
+  if (const std::string kind = FfmpegKind(file); !kind.empty()) {
+    return OpenFfmpeg(file, kind, ffmpeg);
   }
-  if (std::filesystem::is_directory(status)) return "is a folder";
-  if (!std::filesystem::is_regular_file(status)) return "is not a regular file";
-  if (std::filesystem::file_size(path, error) == 0 && !error) {
-    return "is empty (0 bytes)";
-  }
-  return "";
+  if (BeginsWithMpegFrame(file)) return OpenMp3(file);
+  bool unsupported = false;
+  OpenedDecoder sound = OpenSound(file, unsupported);
+  if (!unsupported) return sound;
+  return OpenFfmpeg(file, "a recording of a kind that libsndfile lacks", ffmpeg);
 }
 
+}  // namespace
+
 Result<Recording> ReadAudioFile(const std::filesystem::path& path) {
+  const Result<InputFile> file = InputFile::Open(path);
+  return file ? ReadAudio(*file) : Result<Recording>::Failure(file.Error());
+}
+
+Result<Recording> ReadAudio(const InputFile& file, const FfmpegOptions& ffmpeg) {
   using Failure = Result<Recording>;
-  if (std::string problem = FileProblem(path); !problem.empty()) {
-    return Failure::Failure(std::move(problem));
-  }
-  SF_INFO info{};
-  std::string reason;
-  const SoundFile file = OpenSoundFile(path, info, reason);
-  if (!file) return Failure::Failure("cannot be read as audio: " + reason);
-  if (info.channels < 1) return Failure::Failure("has no channels");
-  if (info.samplerate < kMinRate || info.samplerate > kMaxRate) {
-    return Failure::Failure("has a sample rate of " + std::to_string(info.samplerate) +
+  const OpenedDecoder opened = OpenDecoder(file, ffmpeg);
+  if (!opened.decoder) return Failure::Failure(opened.error);
+  AudioDecoder& decoder = *opened.decoder;
+  const int rate = decoder.Rate();
+  if (rate < kMinRate || rate > kMaxRate) {
+    return Failure::Failure("has a sample rate of " + std::to_string(rate) +
                             " Hz; 1000 Hz to 1000 kHz can be read");
   }
 
   Recording recording;
-  recording.source_rate = info.samplerate;
-  recording.source_channels = info.channels;
-  SampleWriter writer(info.samplerate, recording);
+  recording.source_rate = rate;
+  recording.source_channels = decoder.Channels();
+  SampleWriter writer(rate, recording);
   if (!writer.Error().empty()) return Failure::Failure("cannot be resampled: " + writer.Error());
 
-  const auto channels = static_cast<std::size_t>(info.channels);
+  const auto channels = static_cast<std::size_t>(decoder.Channels());
   const std::size_t block_frames = std::max<std::size_t>(1, kBlockValues / channels);
-  const double max_frames = kMaxRecordingSeconds * info.samplerate;
+  const double max_frames = kMaxRecordingSeconds * rate;
   std::vector<double> block(block_frames * channels);
   std::vector<double> mono;
   std::int64_t frames = 0;
   for (;;) {
-    const sf_count_t got =
-        sf_readf_double(file.get(), block.data(), static_cast<sf_count_t>(block_frames));
-    if (got <= 0) break;
-    const auto bad = Mix(std::span(block).first(static_cast<std::size_t>(got) * channels),
-                         info.channels, mono, recording.clamped);
+    const std::size_t got = decoder.Read(block);
+    if (got == 0) break;
+    const auto bad = Mix(std::span(block).first(got), decoder.Channels(), mono, recording.clamped);
     if (bad) {
       return Failure::Failure("holds a sample that is no number (NaN or infinite) at frame " +
                               std::to_string(frames + static_cast<std::int64_t>(*bad)));
     }
-    frames += got;
+    frames += static_cast<std::int64_t>(got / channels);
     if (static_cast<double>(frames) > max_frames) return Failure::Failure(TooLong());
     writer.Write(mono);
     if (!writer.Error().empty()) return Failure::Failure("cannot be resampled: " + writer.Error());
   }
-  if (sf_error(file.get()) != SF_ERR_NO_ERROR) {
-    return Failure::Failure("is damaged after " +
-                            Fixed(static_cast<double>(frames) / info.samplerate, 3) +
-                            " s: " + sf_strerror(file.get()));
+  if (std::string problem = decoder.Problem(); !problem.empty()) {
+    return Failure::Failure(std::move(problem));
   }
   writer.Finish();
   if (!writer.Error().empty()) return Failure::Failure("cannot be resampled: " + writer.Error());

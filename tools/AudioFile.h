@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/FfmpegDecoder.h"
+#include "tools/InputFile.h"
 #include "tools/Result.h"
 
 // Recordings from files, in the one form that the engine takes: 16 bit, mono, 22050 Hz.
@@ -22,17 +24,20 @@ struct Recording {
   bool silent = false;       // every sample is 0
 };
 
-// Why a path is no file with anything in it, as the rest of a sentence that begins with the path;
-// "" when it is one.
-std::string FileProblem(const std::filesystem::path& path);
-
-// Reads any file that libsndfile reads. Channels are mixed by their mean; another rate than 22050
-// Hz is resampled by soxr's high-quality recipe, whose delay is taken out; samples are rounded to
-// nearest (ties to even) and clamped. A 16-bit mono file at 22050 Hz comes back as it is.
+// Reads any file that libsndfile reads, and by the program ffmpeg, where there is one, what else
+// telephones and browsers record (tools/FfmpegDecoder.h). "-" is standard input; pipes are read to
+// their end. Channels are mixed by their mean; another rate than 22050 Hz is resampled by soxr's
+// high-quality recipe, whose delay is taken out; samples are rounded to nearest (ties to even) and
+// clamped. A 16-bit mono file at 22050 Hz comes back as it is.
 //
 // The file is read in blocks up to the limit, whatever its header claims. The failure tells what is
-// wrong: not there, no audio, of a rate outside 1 to 1000 kHz, damaged, with samples that are no
-// numbers, shorter than one frame (551 samples) or longer than the limit.
+// wrong: not there, no audio, of a rate outside 1 to 1000 kHz, damaged, cut (shorter than its head
+// says, as far as it says), with samples that are no numbers, shorter than one frame (551 samples)
+// or longer than the limit. A WAV file whose head gives no length, 0 or 0x7FFFF000 and more, lasts
+// to its end.
 Result<Recording> ReadAudioFile(const std::filesystem::path& path);
+
+// The same of an open file.
+Result<Recording> ReadAudio(const InputFile& file, const FfmpegOptions& ffmpeg = {});
 
 }  // namespace veral3::tools

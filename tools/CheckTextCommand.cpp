@@ -105,8 +105,9 @@ CLI::App* AddCheckTextCommand(CLI::App& app, CheckTextOptions& options) {
   return check;
 }
 
-int RunCheckText(const CheckTextOptions& options) {
-  Console console;
+namespace {
+
+int Check(const CheckTextOptions& options, Console& console) {
   const LanguageType language = LanguageOf(options.language);
   std::vector<std::string> texts = options.texts;
   if (options.text_file) {
@@ -168,6 +169,16 @@ int RunCheckText(const CheckTextOptions& options) {
                   "\": " + InlinePronunciationHelp(missing, language));
   }
   return status;
+}
+
+}  // namespace
+
+int RunCheckText(const CheckTextOptions& options) {
+  Console console;
+  const int status = Check(options, console);
+  const std::string error = FinishStandardOutput();
+  console.Error(error);
+  return error.empty() || status == kWrongUsage ? status : kSomeFailed;
 }
 
 }  // namespace veral3::tools

@@ -2,9 +2,11 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 #include "common/Unicode.h"
 #include "tools/PrintableText.h"
@@ -56,6 +58,14 @@ void Console::ClearProgress() {
   if (!m_has_progress) return;
   WriteError("\r\x1B[K");
   m_has_progress = false;
+}
+
+std::string FinishStandardOutput() {
+  errno = 0;
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return "";
+  // An earlier write may have failed, whose reason is gone.
+  return "standard output cannot be written" +
+         (errno != 0 ? ": " + std::generic_category().message(errno) : "");
 }
 
 }  // namespace veral3::tools

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace veral3::tools {
@@ -32,5 +33,9 @@ class Console {
   bool m_is_terminal;
   bool m_has_progress = false;
 };
+
+// Writes out what is left of standard output. The sentence is on why not all of it could be
+// written, as on a full disk; "" when all is well.
+std::string FinishStandardOutput();
 
 }  // namespace veral3::tools

@@ -12,6 +12,7 @@
 #include "tools/Console.h"
 #include "tools/EngineMessages.h"
 #include "tools/ReadingOptions.h"
+#include "tools/RunFiles.h"
 #include "tools/WaveFile.h"
 
 namespace veral3::tools {
@@ -47,8 +48,8 @@ CLI::App* AddDenoiseCommand(CLI::App& app, DenoiseOptions& options) {
   CLI::App* denoise = app.add_subcommand("denoise", "Takes steady noise out of a recording");
   denoise
       ->add_option("IN", options.input,
-                   "Recording: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, up to 15 "
-                   "minutes")
+                   "Recording: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile or, where it is "
+                   "there, ffmpeg reads, up to 15 minutes; - is standard input")
       ->type_name("")
       ->required();
   denoise
@@ -66,11 +67,13 @@ CLI::App* AddDenoiseCommand(CLI::App& app, DenoiseOptions& options) {
 
 int RunDenoise(const DenoiseOptions& options) {
   Console console;
-  std::error_code ignored;
-  if (std::filesystem::equivalent(options.input, options.output, ignored)) {
-    console.Error("the result would overwrite the recording " + options.input);
+  const std::string problem =
+      RunFilesProblem({{"the recording", options.input}}, {{"the result", options.output}});
+  if (!problem.empty()) {
+    console.Error(problem);
     return kWrongUsage;
   }
+  std::error_code ignored;
   if (std::filesystem::is_directory(options.output, ignored)) {
     console.Error(options.output + " is a folder; name a file");
     return kWrongUsage;

@@ -33,40 +33,42 @@ std::string TextOf(const GradeReport& report, Format format) {
 }
 
 // What is wrong with the places of the results, "" when nothing is.
-std::string CheckPlaces(const GradeOptions& options, const std::vector<std::string>& files) {
-  std::error_code error;
-  if (options.tutor && std::filesystem::equivalent(options.output, *options.tutor, error)) {
-    return "the result would overwrite the tutor " + *options.tutor;
-  }
-  if (options.report.empty()) return "";
-  if (std::filesystem::is_directory(options.report, error)) {
-    return options.report + " is a folder; name a file";
-  }
-  std::vector<std::string> sources = files;
-  if (options.tutor) sources.push_back(*options.tutor);
-  for (const std::string& file : sources) {
-    if (std::filesystem::equivalent(options.report, file, error)) {
-      return "the report would overwrite the recording " + file;
+std::string CheckPlaces(const GradeOptions& options, const ReportTarget& target,
+                        const std::vector<std::string>& files) {
+  std::vector<RunFile> read = TextFilesOf(options);
+  if (options.tutor) read.push_back({"the tutor", *options.tutor});
+  std::vector<RunFile> written;
+  if (!options.report.empty()) {
+    std::error_code error;
+    if (std::filesystem::is_directory(options.report, error)) {
+      return options.report + " is a folder; name a file";
     }
+    written.push_back({"the page", options.report});
   }
-  if (!options.output.empty() && std::filesystem::weakly_canonical(options.report, error) ==
-                                     std::filesystem::weakly_canonical(options.output, error)) {
-    return "--report and --output name the same file";
-  }
-  return "";
+  return CheckTarget(target, files, std::move(read), std::move(written));
 }
 
 // What the tutor's file says before any resources are there.
 struct TutorPlan {
+  std::optional<InputFile> input;  // a plain recording, not read yet
   std::optional<TutorFile> stored;
   std::string error;  // why there is no tutor
 };
 
 TutorPlan PlanTutor(const GradeOptions& options) {
   TutorPlan plan;
-  if (!options.tutor || !IsTutorFile(*options.tutor)) return plan;
+  if (!options.tutor) return plan;
+  Result<InputFile> input = InputFile::Open(*options.tutor);
+  if (!input) {
+    plan.error = input.Error();
+    return plan;
+  }
+  if (!IsTutorFile(*input)) {
+    plan.input = std::move(*input);
+    return plan;
+  }
   const LanguageType language = LanguageOf(options.language);
-  Result<TutorFile> file = LoadTutor(*options.tutor);
+  Result<TutorFile> file = LoadTutor(*input);
   if (!file) {
     plan.error = file.Error();
   } else if (file->language != language) {
@@ -140,7 +142,7 @@ TutorOfJobs TakeTutor(const GradeOptions& options, TutorPlan plan, std::vector<A
   std::string messages;
   Result<Tutor> tutor = !plan.error.empty() ? Result<Tutor>::Failure(plan.error)
                         : plan.stored ? StoredTutor(job.file, std::move(*plan.stored), language)
-                                      : AnalyzedTutor(job, language, messages);
+                                      : AnalyzedTutor(job, *plan.input, language, messages);
   PrintMessages(console, job.file, messages);
   if (!tutor) {
     console.Error(job.file + ": " + tutor.Error());
@@ -221,8 +223,7 @@ int RunGrade(GradeOptions options) {
   const std::vector<std::string> files = FilesOf(*jobs);
   ReportTarget target = TargetOf(format, options.output);
   if (format == Format::kCsv) target.header = GradeCsvHeader();
-  if (std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
-  if (std::string error = CheckPlaces(options, files); !error.empty()) return fail(error);
+  if (std::string error = CheckPlaces(options, target, files); !error.empty()) return fail(error);
   if (!LoadFor(options, ResourceUse::kGrade, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
 

@@ -51,8 +51,9 @@ int RunInspect(const InspectOptions& options) {
     status = kSomeFailed;
   }
   if (options.format == "json") tables = JsonText(all.size() == 1 ? all.front() : all) + "\n";
-  if (std::fputs(tables.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-    console.Error("standard output cannot be written");
+  std::fputs(tables.c_str(), stdout);
+  if (const std::string error = FinishStandardOutput(); !error.empty()) {
+    console.Error(error);
     status = kSomeFailed;
   }
   return status;

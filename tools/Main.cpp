@@ -1,10 +1,14 @@
 // The `veral3` command: docs/command.md is its manual.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,6 +20,7 @@
 #include "tools/DenoiseCommand.h"
 #include "tools/GradeCommand.h"
 #include "tools/InspectCommand.h"
+#include "tools/Interruption.h"
 #include "tools/TutorCommand.h"
 
 namespace {
@@ -30,6 +35,22 @@ std::string UsageError(const CLI::App& app, const CLI::Error& error) {
     commands += (commands.empty() ? "" : ", ") + command->get_name();
   }
   return "no command \"" + rest.front() + "\"; there are " + commands;
+}
+
+// Says what CLI11 stopped at: help and version on standard output, wrong usage on standard error.
+int Tell(const CLI::App& app, const CLI::ParseError& error) {
+  veral3::tools::Console console;
+  if (error.get_exit_code() != 0) {
+    console.Error(UsageError(app, error));
+    console.Error("veral3 --help and veral3 COMMAND --help tell more");
+    return veral3::tools::kWrongUsage;
+  }
+  std::ostringstream text;
+  app.exit(error, text, text);
+  std::fputs(text.str().c_str(), stdout);
+  const std::string problem = veral3::tools::FinishStandardOutput();
+  console.Error(problem);
+  return problem.empty() ? veral3::tools::kAllDone : veral3::tools::kSomeFailed;
 }
 
 int Run(int argc, char** argv) {
@@ -65,11 +86,7 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);
-    veral3::tools::Console console;
-    console.Error(UsageError(app, error));
-    console.Error("veral3 --help and veral3 COMMAND --help tell more");
-    return kWrongUsage;
+    return Tell(app, error);
   }
   if (align_command->parsed()) return veral3::tools::RunAlign(align);
   if (analyze_command->parsed()) return veral3::tools::RunAnalyze(analyze);
@@ -82,9 +99,20 @@ int Run(int argc, char** argv) {
   return kWrongUsage;
 }
 
+// A standard stream that the caller has closed stays closed in effect: a file that is opened later
+// must not become it, and take messages into a result.
+void HoldStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) == -1)
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  HoldStandardStreams();
+  veral3::tools::CleanUpOnSignals();
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {

@@ -29,7 +29,7 @@ std::string Misfit(AnalyzedAudio& audio) {
 
 Result<TutorFile> MakeTutor(const AlignJob& job, LanguageType language, std::string& messages) {
   using Failure = Result<TutorFile>;
-  // Once more for the file: the alignment filters what it is given.
+  // Kept for the file: the alignment filters what it is given.
   Result<Recording> untouched = ReadAudioFile(job.file);
   if (!untouched) return Failure::Failure(untouched.Error());
   if (untouched->silent) return Failure::Failure("is silent: every sample is 0");
@@ -38,7 +38,7 @@ Result<TutorFile> MakeTutor(const AlignJob& job, LanguageType language, std::str
   }
 
   AnalyzedAudio audio(language);
-  Result<AlignedRecording> aligned = ReadAndAlign(job, audio, messages);
+  Result<AlignedRecording> aligned = AlignRecording(job, *untouched, audio, messages);
   if (!aligned) return Failure::Failure(aligned.Error());
   if (audio.GetNumOfPhonemes() == 0)
     return Failure::Failure("cannot be aligned: nothing was found");

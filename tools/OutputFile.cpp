@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <random>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -24,18 +26,39 @@ OutputFile::OutputFile(std::filesystem::path path) : m_path(std::move(path)) {
     if (m_file < 0) Fail("cannot be written");
     return;
   }
-  std::string name = m_path.string() + ".XXXXXX";
-  m_file = mkostemp(name.data(), O_CLOEXEC);
-  if (m_file < 0) {
+  // The temporary file's name says nothing of whether this one can be had.
+  struct stat status {};
+  if (lstat(m_path.c_str(), &status) != 0 && errno == ENAMETOOLONG) {
     Fail("cannot be written");
-  } else {
-    m_temporary = name;
+    return;
   }
+  MakeTemporary();
 }
 
 OutputFile::~OutputFile() {
   if (m_file >= 0) close(m_file);
   if (!m_temporary.empty()) unlink(m_temporary.c_str());
+}
+
+// The name is short whatever that of the result is, which may be as long as names can be; and it is
+// known to the handler of signals before there is such a file.
+void OutputFile::MakeTemporary() {
+  constexpr int kTries = 100;
+  std::random_device random;
+  for (int i = 0; i < kTries && m_file < 0; ++i) {
+    std::ostringstream name;
+    name << ".veral3-" << getpid() << "-" << std::hex << random();
+    m_temporary = (m_path.parent_path() / name.str()).string();
+    m_at_risk.emplace(m_temporary);
+    m_file = open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (m_file >= 0) return;
+    const int error = errno;
+    m_at_risk.reset();
+    m_temporary.clear();
+    errno = error;
+    if (error != EEXIST) break;
+  }
+  Fail("cannot be written");
 }
 
 void OutputFile::Write(std::string_view text) {
@@ -66,6 +89,7 @@ std::string OutputFile::Finish() {
       Fail("cannot be written");
     } else {
       m_temporary.clear();
+      m_at_risk.reset();
     }
   }
   return m_error;

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "tools/Interruption.h"
 
 namespace veral3::tools {
 
@@ -13,7 +16,8 @@ namespace veral3::tools {
 //   file.Write(text);
 //   if (std::string error = file.Finish(); !error.empty()) ...   // one sentence
 //
-// An object destroyed before Finish leaves what was at `path` as it was.
+// An object destroyed before Finish leaves what was at `path` as it was, and so does a signal that
+// ends the command (tools/Interruption.h).
 class OutputFile {
  public:
   explicit OutputFile(std::filesystem::path path);
@@ -30,9 +34,11 @@ class OutputFile {
 
  private:
   void Fail(const std::string& what);
+  void MakeTemporary();
 
   std::filesystem::path m_path;
-  std::filesystem::path m_temporary;
+  std::string m_temporary;
+  std::optional<FileAtRisk> m_at_risk;  // the temporary file
   int m_file = -1;
   std::string m_error;
 };

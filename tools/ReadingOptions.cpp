@@ -15,8 +15,9 @@ void AddRecordingOptions(CLI::App& command, RecordingOptions& options,
                          const std::vector<std::string>& formats, const std::string& done) {
   command
       .add_option("FILE", options.files,
-                  "Recordings: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, of any "
-                  "rate and number of channels, up to 15 minutes each")
+                  "Recordings: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile or, where it is "
+                  "there, ffmpeg reads, of any rate and number of channels, up to 15 minutes each; "
+                  "- is standard input")
       ->type_name("");
   AddLanguageOption(command, options.language, "Language that is spoken");
   command.add_option("--format", options.format, "Form of the result (default table)")
@@ -95,6 +96,13 @@ Result<std::vector<AlignJob>> JobsOf(const ReadingOptions& options) {
   if (options.files.empty()) return Failure::Failure("no recording; name one or more files");
   for (const std::string& file : options.files) jobs.push_back({file, sentences, {}});
   return jobs;
+}
+
+std::vector<RunFile> TextFilesOf(const ReadingOptions& options) {
+  std::vector<RunFile> files;
+  if (options.list) files.push_back({"the list", *options.list});
+  if (options.text_file) files.push_back({"the text file", *options.text_file});
+  return files;
 }
 
 std::vector<std::string> FilesOf(const std::vector<AlignJob>& jobs) {

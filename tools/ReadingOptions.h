@@ -17,7 +17,7 @@
 //
 //   const auto jobs = JobsOf(options);                                     // wrong usage
 //   const ReportTarget target = TargetOf(FormatOf(options.format), options.output);
-//   if (error = CheckTarget(target, FilesOf(*jobs)); ...                   // wrong usage
+//   if (error = CheckTarget(target, FilesOf(*jobs), TextFilesOf(options)); ...
 //   if (!LoadFor(options, ResourceUse::kMeasure, console)) return kWrongUsage;
 //   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
 namespace veral3::tools {
@@ -52,6 +52,9 @@ void AddReadingOptions(CLI::App& command, ReadingOptions& options,
 Result<std::vector<AlignJob>> JobsOf(const ReadingOptions& options);
 
 std::vector<std::string> FilesOf(const std::vector<AlignJob>& jobs);
+
+// The files that the options bring sentences from.
+std::vector<RunFile> TextFilesOf(const ReadingOptions& options);
 
 // Loads the resources. What is missing of those that `use` could do without is told of. False after
 // a message when that is not enough.

@@ -1,21 +1,23 @@
 #include "tools/ReportWriter.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <map>
-#include <system_error>
 #include <utility>
 
+#include "tools/Console.h"
 #include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
 
+// A recording's file name without its ending.
+std::string StemOf(const std::string& file) {
+  return file == "-" ? "stdin" : std::filesystem::path(file).stem().string();
+}
+
 std::filesystem::path ResultPath(const ReportTarget& target, const std::string& file) {
   if (!target.is_folder) return target.output;
-  std::filesystem::path name = std::filesystem::path(file).stem();
-  name += ExtensionOf(target.format);
-  return target.output / name;
+  return target.output / (StemOf(file) + std::string(ExtensionOf(target.format)));
 }
 
 }  // namespace
@@ -75,10 +77,7 @@ std::string ReportWriter::Finish() {
     const std::string error = m_file->Finish();
     return error.empty() ? "" : m_target.output.string() + " " + error;
   }
-  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    return "standard output cannot be written: " + std::generic_category().message(errno);
-  }
-  return "";
+  return FinishStandardOutput();
 }
 
 void ReportWriter::Put(std::string_view text) {
@@ -89,35 +88,39 @@ void ReportWriter::Put(std::string_view text) {
   }
 }
 
-std::string CheckTarget(const ReportTarget& target, const std::vector<std::string>& files) {
+std::string CheckTarget(const ReportTarget& target, const std::vector<std::string>& files,
+                        std::vector<RunFile> read, std::vector<RunFile> written) {
   if (files.size() > 1 && !HoldsSeveralFiles(target.format) && !target.is_folder) {
     return "this format holds one recording; for several name a folder (--output FOLDER/)";
   }
-  if (target.output.empty()) return "";
-  std::error_code error;
-  std::map<std::filesystem::path, std::string> sources;
-  for (const std::string& file : files) {
-    const std::filesystem::path result = ResultPath(target, file);
-    if (std::filesystem::equivalent(result, file, error)) {
-      return "the result would overwrite the recording " + file;
-    }
-    const auto [found, is_new] = sources.emplace(result, file);
-    if (!is_new && target.is_folder) {
-      return "the results of " + found->second + " and " + file + " would both be " +
-             result.string();
+  for (const std::string& file : files) read.push_back({"the recording", file});
+  if (target.output.empty()) {
+    written.push_back({"the result", "-"});
+  } else if (!target.is_folder) {
+    written.push_back({"the result", target.output.string()});
+  } else {
+    std::map<std::filesystem::path, std::string> sources;
+    for (const std::string& file : files) {
+      const std::filesystem::path result = ResultPath(target, file);
+      const auto [found, is_new] = sources.emplace(result, file);
+      if (!is_new) {
+        return "the results of " + found->second + " and " + file + " would both be " +
+               result.string();
+      }
+      written.push_back({"the result", result.string()});
     }
   }
-  return "";
+  return RunFilesProblem(read, written);
 }
 
 std::vector<std::string> RecordingNames(const std::vector<std::string>& files) {
   std::map<std::string, int> uses;
-  for (const std::string& file : files) ++uses[std::filesystem::path(file).stem().string()];
+  for (const std::string& file : files) ++uses[StemOf(file)];
   std::vector<std::string> names;
   for (const std::string& file : files) {
-    const std::filesystem::path path(file);
-    const std::string stem = path.stem().string();
-    names.push_back(uses[stem] == 1 ? stem : (path.parent_path() / stem).string());
+    const std::string stem = StemOf(file);
+    names.push_back(uses[stem] == 1 ? stem
+                                    : (std::filesystem::path(file).parent_path() / stem).string());
   }
   return names;
 }

@@ -8,6 +8,7 @@
 
 #include "tools/AlignmentFormats.h"
 #include "tools/OutputFile.h"
+#include "tools/RunFiles.h"
 
 namespace veral3::tools {
 
@@ -53,10 +54,13 @@ class ReportWriter {
 };
 
 // What is wrong with writing the texts of `files` to `target`, "" when nothing is: a format that
-// holds one recording for several, two results of one name, a result in a recording's place.
-std::string CheckTarget(const ReportTarget& target, const std::vector<std::string>& files);
+// holds one recording for several, two results of one name, a result in the place of a file that is
+// read. `read`: what is read besides `files`; `written`: what is written besides the texts.
+std::string CheckTarget(const ReportTarget& target, const std::vector<std::string>& files,
+                        std::vector<RunFile> read = {}, std::vector<RunFile> written = {});
 
-// Each recording's file name without its ending; with its folders where two share the name.
+// Each recording's file name without its ending, "stdin" for standard input; with its folders where
+// two share the name.
 std::vector<std::string> RecordingNames(const std::vector<std::string>& files);
 
 }  // namespace veral3::tools

@@ -4,12 +4,12 @@
 
 #include <fstream>
 #include <functional>
-#include <iterator>
+#include <vector>
 
 namespace veral3::tools {
 namespace {
 
-constexpr std::uintmax_t kMaxFileBytes = 256u << 20;
+constexpr std::size_t kMaxFileBytes = 16u << 20;
 constexpr std::string_view kBlanks = " \t";
 
 std::string_view Trimmed(std::string_view text) {
@@ -27,9 +27,15 @@ Result<std::string> ReadText(const std::filesystem::path& path) {
     return Failure::Failure(std::filesystem::exists(path, error) ? "cannot be opened"
                                                                  : "does not exist");
   }
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (!error && size > kMaxFileBytes) return Failure::Failure("is larger than 256 MB");
-  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  // What a device or a pipe holds is known only when it has been read.
+  std::string text;
+  std::vector<char> block(1u << 16);
+  while (file.read(block.data(), static_cast<std::streamsize>(block.size())) || file.gcount() > 0) {
+    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
+    if (text.size() > kMaxFileBytes) {
+      return Failure::Failure("is larger than " + std::to_string(kMaxFileBytes >> 20) + " MiB");
+    }
+  }
   if (file.bad()) return Failure::Failure("cannot be read");
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
   return text;
@@ -118,7 +124,7 @@ Result<std::vector<ListEntry>> ReadList(const std::filesystem::path& path) {
           return "has no tab" + where + "; each line is a path, a tab and a sentence";
         }
         if (audio.empty()) return "has no path before the tab" + where;
-        entry.audio = (path.parent_path() / audio).string();
+        entry.audio = audio == "-" ? "-" : (path.parent_path() / audio).string();
         while (tab != std::string_view::npos) {
           line = line.substr(tab + 1);
           tab = line.find('\t');

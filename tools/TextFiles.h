@@ -8,7 +8,7 @@
 #include "tools/Result.h"
 
 // Sentences from files: UTF-8, one line each; a byte-order mark, CR LF line ends, blank lines and a
-// missing last line end do no harm.
+// missing last line end do no harm. Files of more than 16 MiB are refused.
 namespace veral3::tools {
 
 inline constexpr std::size_t kMaxCandidates = 8;  // sentences that one recording is compared with
@@ -23,7 +23,7 @@ Result<std::vector<std::string>> ReadLines(const std::filesystem::path& path);
 Result<std::vector<std::string>> ReadSentences(const std::filesystem::path& path);
 
 struct ListEntry {
-  std::string audio;  // path, relative ones already below the list's folder
+  std::string audio;  // path, relative ones already below the list's folder; "-" standard input
   std::vector<std::string> sentences;
   int line = 0;  // in the list, from 1
 };

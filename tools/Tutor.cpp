@@ -49,12 +49,15 @@ Result<Tutor> StoredTutor(const std::string& file, TutorFile tutor, LanguageType
   return Tutor{saved, tutor.sentence, tutor.teacher, DrawingOf(file, *saved, tutor.samples)};
 }
 
-Result<Tutor> AnalyzedTutor(const AlignJob& job, LanguageType language, std::string& messages) {
+Result<Tutor> AnalyzedTutor(const AlignJob& job, const InputFile& input, LanguageType language,
+                            std::string& messages) {
   using Failure = Result<Tutor>;
   Result<Tutor> tutor = Failure::Failure("");
   std::string error = ErrorOf([&]() -> std::string {
     const auto audio = MakeAudio<AnalyzedAudio>(language);
-    Result<AlignedRecording> aligned = ReadAndAlign(job, *audio, messages);
+    Result<Recording> recording = ReadAudio(input);
+    if (!recording) return recording.Error();
+    Result<AlignedRecording> aligned = AlignRecording(job, std::move(*recording), *audio, messages);
     if (!aligned) return aligned.Error();
     if (aligned->recording.silent) return kSilent;
     if (std::string problem = Analyze(*aligned, *audio, messages); !problem.empty()) return problem;

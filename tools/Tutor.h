@@ -26,8 +26,9 @@ struct Tutor {
 // name: unreadable, of another language, silent.
 Result<Tutor> StoredTutor(const std::string& file, TutorFile tutor, LanguageType language);
 
-// A tutor from the recording of a job, analysed now; the resources of `language` are loaded.
-// Appends lines for the user to `messages`.
-Result<Tutor> AnalyzedTutor(const AlignJob& job, LanguageType language, std::string& messages);
+// A tutor from the recording of a job, which is `input`, analysed now; the resources of `language`
+// are loaded. Appends lines for the user to `messages`.
+Result<Tutor> AnalyzedTutor(const AlignJob& job, const InputFile& input, LanguageType language,
+                            std::string& messages);
 
 }  // namespace veral3::tools

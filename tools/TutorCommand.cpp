@@ -19,6 +19,7 @@
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
 #include "tools/Resources.h"
+#include "tools/RunFiles.h"
 #include "tools/RunReports.h"
 #include "tools/SentencePlan.h"
 #include "tools/TextFiles.h"
@@ -67,11 +68,7 @@ std::string UsageError(const TutorOptions& options) {
   if (!options.date.empty() && !DateOf(options.date)) {
     return "\"" + options.date + "\" is no date; write it as 2026-11-21";
   }
-  std::error_code error;
-  if (std::filesystem::equivalent(options.file, options.output, error)) {
-    return "--output is the recording itself; name another file";
-  }
-  return "";
+  return RunFilesProblem({{"the recording", options.file}}, {{"the tutor file", options.output}});
 }
 
 // False after a message.
@@ -117,8 +114,8 @@ CLI::App* AddTutorCommand(CLI::App& app, TutorOptions& options) {
       "tutor", "Makes a tutor file of a recording: learners are graded against it");
   tutor
       ->add_option("FILE", options.file,
-                   "The recording: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile reads, up to "
-                   "5.4 minutes")
+                   "The recording: WAV, FLAC, OGG, MP3, AIFF and what else libsndfile or, where it "
+                   "is there, ffmpeg reads, up to 5.4 minutes; - is standard input")
       ->type_name("")
       ->required();
   AddLanguageOption(*tutor, options.language, "Language of the sentence");
@@ -164,7 +161,7 @@ int RunTutor(const TutorOptions& options) {
     const std::string problem = WriteTutor(options.output, *tutor);
     if (!problem.empty()) return options.output + ": " + problem;
     PrintSummary(options.output, *tutor);
-    return "";
+    return FinishStandardOutput();
   });
   PrintMessages(console, options.file, messages);
   console.Error(error);

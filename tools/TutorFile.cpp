@@ -225,12 +225,12 @@ std::string ReadSamples(SNDFILE* file, const SF_INFO& info, std::size_t count,
   return samples.size() > count ? kChanged : "";
 }
 
-std::string Read(const std::filesystem::path& path, TutorFile& tutor) {
-  if (std::string problem = FileProblem(path); !problem.empty()) return problem;
+std::string Read(const InputFile& input, TutorFile& tutor) {
+  InputView view{&input, {}};
   SF_INFO info{};
-  std::string reason;
-  const SoundFile file = OpenSoundFile(path, info, reason);
-  if (!file) return "is no tutor file: " + reason;
+  SoundFileError error;
+  const SoundFile file = OpenSoundFile(view, info, error);
+  if (!file) return "is no tutor file: " + error.reason;
   const std::string chunk = ReadChunk(file.get());
   if (chunk.empty()) {
     return "is a recording, no tutor file; `veral3 tutor` makes one of it";
@@ -277,18 +277,25 @@ std::string WriteTutor(const std::filesystem::path& path, const TutorFile& tutor
 }
 
 Result<TutorFile> LoadTutor(const std::filesystem::path& path) {
+  const Result<InputFile> input = InputFile::Open(path);
+  return input ? LoadTutor(*input) : Result<TutorFile>::Failure(input.Error());
+}
+
+Result<TutorFile> LoadTutor(const InputFile& file) {
   TutorFile tutor;
-  std::string problem = Read(path, tutor);
+  std::string problem = Read(file, tutor);
   if (!problem.empty()) return Result<TutorFile>::Failure(std::move(problem));
   return tutor;
 }
 
-bool IsTutorFile(const std::filesystem::path& path) {
-  if (!FileProblem(path).empty()) return false;
+bool IsTutorFile(const InputFile& file) {
+  // Other kinds of recording need not be opened.
+  if (file.Bytes(0, 4) != "RIFF") return false;
+  InputView view{&file, {}};
   SF_INFO info{};
-  std::string reason;
-  const SoundFile file = OpenSoundFile(path, info, reason);
-  return file && !ReadChunk(file.get()).empty();
+  SoundFileError error;
+  const SoundFile sound = OpenSoundFile(view, info, error);
+  return sound && !ReadChunk(sound.get()).empty();
 }
 
 HLYFile AsHLYFile(TutorFile& tutor) {

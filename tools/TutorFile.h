@@ -8,6 +8,7 @@
 
 #include "common/LanguageType.h"
 #include "storage/HLYFile.h"
+#include "tools/InputFile.h"
 #include "tools/Result.h"
 
 // A tutor's recording in a file: a WAV file that any player plays, with what was found in it beside
@@ -47,10 +48,11 @@ std::string WriteTutor(const std::filesystem::path& path, const TutorFile& tutor
 // file, made by a later version, damaged. What is read is what was written: checksums cover the
 // sound and everything else.
 Result<TutorFile> LoadTutor(const std::filesystem::path& path);
+Result<TutorFile> LoadTutor(const InputFile& file);
 
 // Whether a file is a tutor file, be it a damaged one or of a later version, and no plain
 // recording.
-bool IsTutorFile(const std::filesystem::path& path);
+bool IsTutorFile(const InputFile& file);
 
 // The tutor as the engine takes it. Refers to the samples and the record of `tutor`, which must
 // outlive it.

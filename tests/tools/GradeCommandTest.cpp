@@ -256,16 +256,16 @@ TEST_F(Grade, WrongUsageIsTwo) {
       {{"--tutor", tutor, "--text", "blorf", learner}, "the dictionary lacks \"blorf\""},
       {{"--tutor", tutor, "--text", m_sentence, "--format", "ctm", learner}, "ctm"},
       {{"--tutor", tutor, "--text", m_sentence, "--report", learner, learner},
-       "the report would overwrite the recording"},
+       "the page " + learner + " would overwrite the recording " + learner},
       {{"--tutor", tutor, "--text", m_sentence, "--output", tutor, learner},
-       "the result would overwrite the tutor"},
+       "the result " + tutor + " would overwrite the tutor " + tutor},
       {{"--tutor", tutor, "--text", m_sentence, "--report", tutor, learner},
-       "the report would overwrite the recording"},
+       "the page " + tutor + " would overwrite the tutor " + tutor},
       {{"--tutor", tutor, "--text", m_sentence, "--report", Path("folder"), learner},
        "is a folder"},
       {{"--tutor", tutor, "--text", m_sentence, "--report", Path("x"), "--output", Path("x"),
         learner},
-       "name the same file"}};
+       " would be the same file"}};
   for (const auto& [arguments, message] : cases) {
     const ProcessResult result = GradeEnglish(arguments);
     EXPECT_EQ(result.status, 2) << message;

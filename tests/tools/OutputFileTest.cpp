@@ -67,8 +67,23 @@ TEST(OutputFile, DevicesAreWrittenAsTheyStand) {
   EXPECT_THAT(full.Finish(), HasSubstr("cannot be written: No space left on device"));
 }
 
+TEST(OutputFile, NamesMayHave255Bytes) {
+  const ScratchFolder folder;
+  for (const int length : {240, 249, 250, 255}) {
+    const auto path = folder.Path() / std::string(static_cast<std::size_t>(length), 'n');
+    OutputFile file(path);
+    file.Write("text");
+    EXPECT_EQ(file.Finish(), "") << length;
+    EXPECT_EQ(ReadFile(path), "text");
+  }
+  EXPECT_EQ(FilesIn(folder.Path()), 4u);
+}
+
 TEST(OutputFile, ImpossiblePlaceIsKnownAtOnce) {
   const ScratchFolder folder;
+  OutputFile too_long(folder.Path() / std::string(256, 'n'));
+  EXPECT_EQ(too_long.Error(), "cannot be written: File name too long");
+  EXPECT_EQ(FilesIn(folder.Path()), 0u);
   OutputFile file(folder.Path() / "none" / "out.txt");
   EXPECT_THAT(file.Error(), HasSubstr("cannot be written: No such file"));
   file.Write("text");

@@ -16,9 +16,9 @@ namespace veral3::tools::test {
 
 namespace {
 
-// Starts the command with files, or a terminal, as its standard streams, and waits for its end.
-int Run(const std::vector<std::string>& arguments, const std::string& out, const std::string& err,
-        rusage& usage) {
+// Starts the command with files, or a terminal, as its standard streams.
+pid_t Start(const std::vector<std::string>& arguments, const std::string& in,
+            const std::string& out, const std::string& err) {
   const char* other = std::getenv("VERAL3_COMMAND");  // another build of it
   std::vector<std::string> words = {other ? other : VERAL3_COMMAND};
   words.insert(words.end(), arguments.begin(), arguments.end());
@@ -29,30 +29,45 @@ int Run(const std::vector<std::string>& arguments, const std::string& out, const
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   constexpr int kCreate = O_WRONLY | O_CREAT | O_TRUNC | O_NOCTTY;
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, in.c_str(), O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), kCreate, 0600);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), kCreate, 0600);
   pid_t child = 0;
   const int error = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0) throw std::runtime_error("cannot start " + words[0]);
+  return child;
+}
 
+int WaitFor(pid_t process, rusage& usage) {
   int status = 0;
-  while (wait4(child, &status, 0, &usage) < 0) {
-    if (errno != EINTR) throw std::runtime_error("cannot wait for " + words[0]);
+  while (wait4(process, &status, 0, &usage) < 0) {
+    if (errno != EINTR) throw std::runtime_error("cannot wait for a process");
   }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return status;
 }
 
 }  // namespace
 
-ProcessResult RunVeral3(const std::vector<std::string>& arguments) {
+ProcessResult RunVeral3(const std::vector<std::string>& arguments, const Streams& streams) {
   const veral3::test::ScratchFolder folder;
   const std::string out = folder.Path() / "out";
   const std::string err = folder.Path() / "err";
   rusage usage{};
-  const int status = Run(arguments, out, err, usage);
-  return {status, veral3::test::ReadFile(out), veral3::test::ReadFile(err), usage.ru_maxrss};
+  const int status =
+      WaitFor(Start(arguments, streams.in, streams.out.empty() ? out : streams.out, err), usage);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+          streams.out.empty() ? veral3::test::ReadFile(out) : "", veral3::test::ReadFile(err),
+          usage.ru_maxrss};
+}
+
+pid_t StartVeral3(const std::vector<std::string>& arguments, const Streams& streams) {
+  return Start(arguments, streams.in, streams.out.empty() ? "/dev/null" : streams.out, "/dev/null");
+}
+
+int WaitFor(pid_t process) {
+  rusage usage{};
+  return WaitFor(process, usage);
 }
 
 std::string StandardErrorOnTerminal(const std::vector<std::string>& arguments) {
@@ -65,8 +80,7 @@ std::string StandardErrorOnTerminal(const std::vector<std::string>& arguments) {
   name.resize(name.find('\0'));
   // Held open, so that what the command wrote is still there when it has ended.
   const int other_end = open(name.c_str(), O_RDWR | O_NOCTTY);
-  rusage usage{};
-  Run(arguments, "/dev/null", name, usage);
+  WaitFor(Start(arguments, "/dev/null", "/dev/null", name));
   fcntl(terminal, F_SETFL, O_NONBLOCK);
   std::string text(65536, '\0');
   const ssize_t got = read(terminal, text.data(), text.size());

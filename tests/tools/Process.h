@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -12,8 +14,20 @@ struct ProcessResult {
   long max_resident_kb = 0;  // the most memory that it held
 };
 
-// Runs the `veral3` command of this build with standard input empty, and waits for its end.
-ProcessResult RunVeral3(const std::vector<std::string>& arguments);
+// Files in the place of the command's standard streams.
+struct Streams {
+  std::string in = "/dev/null";
+  std::string out = "";  // "": it is told of
+};
+
+// Runs the `veral3` command of this build and waits for its end.
+ProcessResult RunVeral3(const std::vector<std::string>& arguments, const Streams& streams = {});
+
+// The same without waiting; standard error goes nowhere.
+pid_t StartVeral3(const std::vector<std::string>& arguments, const Streams& streams);
+
+// Waits for a process's end and gives its status as waitpid does.
+int WaitFor(pid_t process);
 
 // The same with a terminal as standard error; only that is told of. What the command writes there
 // must fit the terminal's buffer (4 KB).

@@ -160,7 +160,7 @@ TEST_F(TutorCommand, WrongUsage) {
   EXPECT_THAT(error(Tutor({"--teacher", "\xFF", "-o", Path("o.wav")})), HasSubstr("not UTF-8"));
   EXPECT_THAT(error(Tutor({"--teacher", std::string(1025, 'x'), "-o", Path("o.wav")})),
               HasSubstr("too long"));
-  EXPECT_THAT(error(Tutor({"-o", Path("en.wav")})), HasSubstr("is the recording itself"));
+  EXPECT_THAT(error(Tutor({"-o", Path("en.wav")})), HasSubstr("would overwrite the recording"));
   EXPECT_THAT(error(Run("tutor", "en", {"--text", "xyzzy", Path("en.wav"), "-o", Path("o.wav")})),
               HasSubstr("the dictionary lacks"));
   EXPECT_THAT(error(Run("tutor", "xx", {"--text", "A", Path("en.wav"), "-o", Path("o.wav")})),
