@@ -12,6 +12,7 @@
 #include "tools/Languages.h"
 #include "tools/Pinyin.h"
 #include "tools/Resources.h"
+#include "tools/Shortened.h"
 #include "tools/TextFiles.h"
 #include "tools/TextReport.h"
 
@@ -35,7 +36,7 @@ int PrintInline(const CheckTextOptions& options, LanguageType language, Console&
   const auto reading =
       chinese ? ReadPinyin(*options.reading) : ReadKana(WideFromUtf8(*options.reading));
   if (!reading) {
-    console.Error("cannot read \"" + *options.reading + "\": " +
+    console.Error("cannot read \"" + Shortened(*options.reading) + "\": " +
                   (chinese ? "write pinyin syllables with tone digits, parted by blanks"
                            : "write hiragana or katakana"));
     return kWrongUsage;
@@ -128,9 +129,10 @@ int RunCheckText(const CheckTextOptions& options) {
     for (const std::string& symbol : report.unread_symbols) {
       console.Error("not read, write in words what is spoken: " + symbol);
     }
-    if (report.words.empty()) console.Error("\"" + report.text + "\" has no words");
+    if (report.words.empty()) console.Error("\"" + Shortened(report.text) + "\" has no words");
   }
   if (!missing.empty()) {
+    missing = Shortened(missing);
     console.Error("the dictionary lacks \"" + missing +
                   "\": " + InlinePronunciationHelp(missing, language));
   }
