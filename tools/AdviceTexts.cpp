@@ -49,6 +49,19 @@ std::string ToneText(int tone_class) {
   return tone_class == 0 ? "the neutral tone" : "tone " + std::to_string(tone_class);
 }
 
+bool ContradictsLengths(char timing_letter, int learner, int tutor) {
+  switch (timing_letter) {
+    case 'l':
+    case 'L':
+      return learner <= tutor;
+    case 's':
+    case 'S':
+      return learner >= tutor;
+    default:
+      return false;
+  }
+}
+
 std::string AdviceOf(AdviceKind kind, LanguageType language, char letter) {
   if (letter == '-') return "";
   for (const AdviceText& advice : AdviceTextsOf(kind, language)) {

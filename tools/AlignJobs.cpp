@@ -1,15 +1,54 @@
 #include "tools/AlignJobs.h"
 
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "core/AnalyzedAudio.h"
+#include "signal/CWaveFrameDef.h"
 #include "tools/EngineMessages.h"
+#include "tools/EngineWords.h"
 #include "tools/Numbers.h"
+#include "tools/Shortened.h"
+#include "tools/ShortestReading.h"
+#include "tools/SoundSigns.h"
 
 namespace veral3::tools {
+namespace {
+
+// Frames of the shortest recording that one of the sentences fits into; nothing where none fits
+// any.
+std::optional<int> LeastFramesOf(const AlignJob& job, LanguageType language) {
+  std::optional<int> least;
+  for (const std::string& sentence : job.prepared) {
+    const std::optional<int> frames = LeastFramesOfSentence(sentence, language);
+    if (frames && (!least || *frames < *least)) least = frames;
+  }
+  return least;
+}
+
+// Why a recording of `num_samples` samples was not aligned, of which the engine wrote `messages`.
+std::string WhyNotAligned(const AlignJob& job, LanguageType language, std::size_t num_samples,
+                          const EngineMessages& messages) {
+  if (messages.Text().find(kNoPath) == std::string::npos) return messages.OneLine();
+  const std::optional<int> least = LeastFramesOf(job, language);
+  const auto samples = static_cast<int>(num_samples);
+  if (least && NumFrames(static_cast<std::uint32_t>(samples)) < *least) {
+    const char* const what = job.prepared.size() == 1 ? "this sentence" : "each of these sentences";
+    // Cut off and rounded up, so that the two never look alike.
+    const double own = std::floor(1000.0 * Seconds(samples)) / 1000.0;
+    const double needed = std::ceil(1000.0 * Seconds(SamplesOfFrames(*least))) / 1000.0;
+    return std::string("too short for ") + what + ": " + Fixed(own, 3) +
+           " s, which takes at least " + Fixed(needed, 3) + " s";
+  }
+  return messages.OneLine();
+}
+
+}  // namespace
 
 Result<AlignedRecording> ReadAndAlign(const AlignJob& job, AnalyzedAudio& audio,
                                       std::string& messages) {
@@ -27,24 +66,24 @@ Result<AlignedRecording> AlignRecording(const AlignJob& job, Recording recording
                 " samples were clamped\n";
   }
 
+  const double clipped_share = ClippedShare(recording.samples);
   const EngineMessages engine;
   for (const std::string& sentence : job.prepared) {
     if (audio.AddPossibleSentence(CString(sentence)) < 0) {
-      return Failure::Failure("sentence \"" + sentence + "\" cannot be used: " + engine.OneLine());
+      return Failure::Failure("sentence \"" + Shortened(sentence) +
+                              "\" cannot be used: " + engine.OneLine());
     }
   }
   const int matched =
       audio.Align(static_cast<std::uint32_t>(recording.samples.size()), recording.samples.data());
   if (matched < 0 || static_cast<std::size_t>(matched) >= job.sentences.size()) {
-    std::string error = "cannot be aligned: " + engine.OneLine();
-    if (error.find("No Sentence matched") != std::string::npos) {
-      error += " (the recording, " + Fixed(Seconds(static_cast<int>(recording.samples.size())), 3) +
-               " s, may be too short for the sentence)";
-    }
-    return Failure::Failure(std::move(error));
+    return Failure::Failure("cannot be aligned: " + WhyNotAligned(job, audio.GetLanguageType(),
+                                                                  recording.samples.size(),
+                                                                  engine));
   }
-  messages += engine.Text();
-  return AlignedRecording{std::move(recording), job.sentences[static_cast<std::size_t>(matched)]};
+  messages += LinesInWords(engine.Text());
+  return AlignedRecording{std::move(recording), job.sentences[static_cast<std::size_t>(matched)],
+                          clipped_share};
 }
 
 std::string ErrorOf(const std::function<std::string()>& step) {

@@ -25,8 +25,9 @@ struct AlignOutcome {
 
 // A recording and what was read in it.
 struct AlignedRecording {
-  Recording recording;   // as the alignment left it: filtered
-  std::string sentence;  // as the user gave it
+  Recording recording;         // as the alignment left it: filtered
+  std::string sentence;        // as the user gave it
+  double clipped_share = 0.0;  // of the recording as it was before (tools/SoundSigns.h)
 };
 
 // Reads the recording of a job and aligns it in `audio`, a fresh object, whose language's resources

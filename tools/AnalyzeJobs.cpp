@@ -6,9 +6,20 @@
 
 #include "core/AnalyzedAudio.h"
 #include "tools/EngineMessages.h"
+#include "tools/EngineWords.h"
 #include "tools/Resources.h"
 
 namespace veral3::tools {
+namespace {
+
+bool HasVoice(AnalyzedAudio& audio) {
+  for (int i = 0; i < audio.GetNumOfSyllables(); ++i) {
+    if (audio.GetSyllablePitch(i) > 0) return true;
+  }
+  return false;
+}
+
+}  // namespace
 
 std::string Analyze(AlignedRecording& aligned, AnalyzedAudio& audio, std::string& messages) {
   const EngineMessages engine;
@@ -18,7 +29,10 @@ std::string Analyze(AlignedRecording& aligned, AnalyzedAudio& audio, std::string
   }
   std::istringstream lines(engine.Text());
   for (std::string line; std::getline(lines, line);) {
-    if (!line.ends_with("model is loaded.")) messages += line + "\n";
+    if (line.ends_with("model is loaded.")) continue;
+    messages += line == kNoPitchSegments && HasVoice(audio) ? std::string(kNoVoiceStandsOut)
+                                                            : InWords(line);
+    messages += "\n";
   }
   return "";
 }

@@ -9,6 +9,7 @@
 #include "tools/AlignmentJson.h"
 #include "tools/AudioFile.h"
 #include "tools/EngineMessages.h"
+#include "tools/EngineWords.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
@@ -34,7 +35,7 @@ std::string Annotate(const std::string& file, LanguageType language, AnnotateOut
   if (audio.LoadAndAnnotate(samples.size(), samples.data(), language) < 0) {
     return "cannot be annotated: " + engine.OneLine();
   }
-  outcome.messages += engine.Text();
+  outcome.messages += LinesInWords(engine.Text());
   AlignmentReport& report = outcome.report;
   report.file = file;
   report.language = language;

@@ -16,6 +16,7 @@
 #include "tools/Pinyin.h"
 #include "tools/PrintableText.h"
 #include "tools/Resources.h"
+#include "tools/Shortened.h"
 #include "tools/TextFiles.h"
 #include "tools/TextReport.h"
 
@@ -62,7 +63,7 @@ int PrintInline(const CheckTextOptions& options, LanguageType language, Console&
   const auto reading =
       chinese ? ReadPinyin(*options.reading) : ReadKana(WideFromUtf8(*options.reading));
   if (!reading) {
-    console.Error("cannot read \"" + *options.reading + "\": " +
+    console.Error("cannot read \"" + Shortened(*options.reading) + "\": " +
                   (chinese ? "write pinyin syllables with tone digits, parted by blanks"
                            : "write hiragana or katakana"));
     return kWrongUsage;
@@ -161,10 +162,10 @@ int Check(const CheckTextOptions& options, Console& console) {
     for (const std::string& symbol : report.unread_symbols) {
       console.Error("not read, write in words what is spoken: " + symbol);
     }
-    if (report.words.empty()) console.Error("\"" + report.text + "\" has no words");
+    if (report.words.empty()) console.Error("\"" + Shortened(report.text) + "\" has no words");
   }
   if (!missing.empty()) {
-    missing = PrintableText(missing);
+    missing = Shortened(missing);
     console.Lines("the dictionary lacks \"" + missing +
                   "\": " + InlinePronunciationHelp(missing, language));
   }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/Messages.h"
+#include "tools/EngineWords.h"
 #include "tools/PrintableText.h"
 
 namespace veral3::tools {
@@ -37,7 +38,7 @@ EngineMessages::~EngineMessages() {
 
 std::string EngineMessages::OneLine() const {
   std::string line;
-  for (const char c : m_text) {
+  for (const char c : LinesInWords(m_text)) {
     if (c != '\n') {
       line += c;
     } else if (!line.ends_with("; ")) {

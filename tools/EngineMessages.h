@@ -19,7 +19,8 @@ class EngineMessages {
   // All so far, one after another; they bring their own line ends, save a few that have none.
   const std::string& Text() const { return m_text; }
 
-  // The same as one line without its end, "; " between messages; for an error.
+  // The same in the command's words (tools/EngineWords.h) as one line without its end, "; " between
+  // messages; for an error.
   std::string OneLine() const;
 
  private:

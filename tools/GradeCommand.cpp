@@ -14,6 +14,7 @@
 #include "tools/Languages.h"
 #include "tools/OutputFile.h"
 #include "tools/RunReports.h"
+#include "tools/Shortened.h"
 #include "tools/Tutor.h"
 #include "tools/TutorFile.h"
 
@@ -110,7 +111,8 @@ std::vector<std::string> KeepSentence(std::vector<AlignJob>& jobs, const std::st
       return SpokenPart(candidate) == SpokenPart(prepared);
     });
     if (!reads_it) {
-      errors[i] = "reads another sentence than the tutor, who reads \"" + sentence + "\"";
+      errors[i] =
+          "reads another sentence than the tutor, who reads \"" + Shortened(sentence) + "\"";
     }
     jobs[i].sentences = {sentence};
     jobs[i].prepared = {prepared};

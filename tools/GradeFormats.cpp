@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/AdviceTexts.h"
@@ -173,6 +174,15 @@ std::string Letters(const GradeReport& report) {
   return text.empty() ? "" : "advice:\n" + text;
 }
 
+// That the scores are lowered, and what speaks for why.
+std::string Lowered(const GradeReport& report) {
+  std::string text = LoweredText(report);
+  if (text.empty()) return text;
+  text += "\n";
+  for (const ScoreHint& hint : report.reasons) text += "  " + hint.text + "\n";
+  return text;
+}
+
 // ---- JSON ----
 
 OrderedJson JsonScores(const GradeScores& scores, bool with_total) {
@@ -191,7 +201,7 @@ OrderedJson TextOrNull(const std::string& text) {
 
 // ---- CSV ----
 
-constexpr std::array<std::string_view, 24> kColumns = {"file",
+constexpr std::array<std::string_view, 26> kColumns = {"file",
                                                        "tier",
                                                        "text",
                                                        "start_sample",
@@ -214,7 +224,9 @@ constexpr std::array<std::string_view, 24> kColumns = {"file",
                                                        "learner_tone",
                                                        "sounds_like",
                                                        "sounds_like_probability",
-                                                       "goodness_probability"};
+                                                       "goodness_probability",
+                                                       "lowered_to",
+                                                       "reasons"};
 using Line = CsvLine<kColumns.size()>;
 
 void SetScores(Line& line, const GradeScores& scores) {
@@ -243,7 +255,7 @@ std::string GradeTable(const GradeReport& report) {
   text += "total " + OrDash(report.scores.total) + "   pronunciation " +
           OrDash(report.scores.pronunciation) + "   pitch " + OrDash(report.scores.pitch) +
           "   timing " + OrDash(report.scores.timing) + "   loudness " +
-          OrDash(report.scores.intensity) + "\n\n";
+          OrDash(report.scores.intensity) + "\n" + Lowered(report) + "\n";
   text += Laid(RowsOf(report)) + Letters(report) + Strangers(report);
   while (text.ends_with("\n\n")) text.pop_back();
   return text;
@@ -261,6 +273,11 @@ OrderedJson GradeJson(const GradeReport& report) {
   }
   object["scores"] = JsonScores(report.scores, true);
   object["goodness_probability"] = OrNull(report.analysis.goodness_probability);
+  object["lowered_to"] = OrNull(report.lowered_to);
+  object["reasons"] = OrderedJson::array();
+  for (const ScoreHint& hint : report.reasons) {
+    object["reasons"].push_back({{"reason", hint.reason}, {"text", hint.text}});
+  }
   for (std::size_t i = 0; i < report.words.size(); ++i) {
     OrderedJson& word = object["words"][i];
     const WordGrade& grade = report.words[i];
@@ -302,6 +319,12 @@ std::string GradeCsv(const GradeReport& report) {
                     alignment.num_samples);
   SetScores(recording, report.scores);
   recording.Set("goodness_probability", report.analysis.goodness_probability, 6);
+  recording.Set("lowered_to", report.lowered_to, 6);
+  std::string reasons;
+  for (const ScoreHint& hint : report.reasons) {
+    reasons += (reasons.empty() ? "" : ";") + hint.reason;
+  }
+  recording.Set("reasons", std::move(reasons));
   std::string text = recording.Text();
   for (std::size_t i = 0; i < report.words.size(); ++i) {
     const Segment& word = alignment.words[i];

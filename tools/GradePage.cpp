@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "tools/AdviceTexts.h"
@@ -62,7 +63,8 @@ class Article {
         m_tutor(report.pronunciation_only ? nullptr : tutor) {}
 
   std::string Text() const {
-    return Element("article", "", Head() + Scores() + Words() + Whole() + Advice()) + "\n";
+    return Element("article", "", Head() + Scores() + Lowered() + Words() + Whole() + Advice()) +
+           "\n";
   }
 
  private:
@@ -96,6 +98,21 @@ class Article {
       items += Element("li", "", item);
     }
     return Element("ul", "scores", items);
+  }
+
+  // That the scores are lowered, and what speaks for why.
+  std::string Lowered() const {
+    std::string said = LoweredText(m_report);
+    if (said.empty()) return "";
+    said[0] = static_cast<char>(said[0] - 'a' + 'A');
+    std::string text = Element("p", "", HtmlText(said) + ".");
+    if (!m_report.reasons.empty()) {
+      std::string items;
+      for (const ScoreHint& hint : m_report.reasons)
+        items += Element("li", "", HtmlText(hint.text));
+      text += Element("p", "", "What speaks for it:") + Element("ul", "told", items);
+    }
+    return Element("div", "lowered", text);
   }
 
   std::string Words() const {
@@ -208,6 +225,25 @@ class Article {
     return Element("p", "", label) + BarsFigure(own / longest, theirs / longest, label);
   }
 
+  // The advice on a syllable's length. It rests on which syllables of a reading are its longest, so
+  // it may be the other way round than the lengths beside it: then it says so.
+  std::string TimingAdvice(std::size_t s) const {
+    const char letter = m_report.syllables[s].timing_advice;
+    std::string text = AdviceOf(AdviceKind::kTiming, m_alignment.language, letter);
+    if (text.empty() || m_tutor == nullptr || s >= m_report.drawn.syllables.size() ||
+        s >= m_tutor->syllables.size()) {
+      return text;
+    }
+    const auto printed = [s](const DrawnRecording& recording) {
+      const DrawnRecording::Span span = recording.syllables[s];
+      return static_cast<int>(std::lround(100.0 * Seconds(span.end - span.start)));
+    };
+    if (ContradictsLengths(letter, printed(m_report.drawn), printed(*m_tutor))) {
+      text += kAgainstOwnReading;
+    }
+    return text;
+  }
+
   // The advice on a syllable, in words.
   std::vector<std::string> AdviceOfSyllable(std::size_t s) const {
     const SyllableGrade& grade = m_report.syllables[s];
@@ -227,11 +263,10 @@ class Article {
                !pitch.empty()) {
       told.push_back(std::move(pitch));
     }
-    for (const auto& [kind, letter] : {std::pair{AdviceKind::kTiming, grade.timing_advice},
-                                       std::pair{AdviceKind::kIntensity, grade.intensity_advice}}) {
-      if (std::string text = AdviceOf(kind, language, letter); !text.empty()) {
-        told.push_back(std::move(text));
-      }
+    if (std::string timing = TimingAdvice(s); !timing.empty()) told.push_back(std::move(timing));
+    if (std::string loudness = AdviceOf(AdviceKind::kIntensity, language, grade.intensity_advice);
+        !loudness.empty()) {
+      told.push_back(std::move(loudness));
     }
     return told;
   }

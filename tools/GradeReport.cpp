@@ -6,6 +6,8 @@
 
 #include "core/Tones.h"
 #include "grading/GradedAudio.h"
+#include "grading/TotalScore.h"
+#include "tools/Numbers.h"
 
 namespace veral3::tools {
 namespace {
@@ -63,6 +65,10 @@ GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, Align
     report.scores.timing = learner.GetTimingScore();
     report.scores.intensity = learner.GetIntensityScore();
   }
+  if (const std::optional<double>& goodness = report.analysis.goodness_probability) {
+    const double kept = tutor != nullptr ? GoodnessFactor(*goodness) : *goodness;
+    report.lowered_to = std::clamp(kept, 0.0, 1.0);
+  }
   const int num_words = learner.GetNumOfWords();
   for (int i = 0; i < num_words; ++i) {
     report.words.push_back(tutor != nullptr ? GradeOfWord(learner, i) : WordGrade());
@@ -82,6 +88,12 @@ GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, Align
     report.phonemes.emplace_back(learner.GetPhonemePonunScore(i));
   }
   return report;
+}
+
+std::string LoweredText(const GradeReport& report) {
+  if (!report.lowered_to || *report.lowered_to >= kTellLoweredBelow) return "";
+  return std::string(report.pronunciation_only ? "total" : "scores") + " lowered to " +
+         Fixed(100.0 * *report.lowered_to, 0) + " %: this may not be a reading of the sentence";
 }
 
 DrawnRecording DrawingOf(std::string file, AlignedAudio& audio,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/AnalysisReport.h"
+#include "tools/ScoreHints.h"
 
 class GradedAudio;
 
@@ -69,7 +70,11 @@ struct GradeReport {
   std::string tutor_file;  // "" without a tutor
   std::string teacher;     // "" where the tutor's file does not say
   GradeScores scores;
-  std::vector<WordGrade> words;  // one for each of the alignment's
+  // What the goodness of the recording leaves of its scores, 0 to 1: of all but the syllables'
+  // pronunciation; after grading the pronunciation alone, of the total.
+  std::optional<double> lowered_to;
+  std::vector<ScoreHint> reasons;  // what speaks for why, where that is below kTellLoweredBelow
+  std::vector<WordGrade> words;    // one for each of the alignment's
   std::vector<SyllableGrade> syllables;
   std::vector<std::optional<int>> phonemes;  // scores
   DrawnRecording drawn;                      // the learner's
@@ -78,6 +83,10 @@ struct GradeReport {
 // Reads a graded learner whose analysis is reported already. `tutor`: what it was graded against,
 // null after grading the pronunciation alone.
 GradeReport MakeGradeReport(AnalysisReport analysis, GradedAudio& learner, AlignedAudio* tutor);
+
+// "scores lowered to 48 %: this may not be a reading of the sentence"; "" where they keep
+// kTellLoweredBelow or more.
+std::string LoweredText(const GradeReport& report);
 
 // What is drawn of an aligned recording.
 DrawnRecording DrawingOf(std::string file, AlignedAudio& audio,

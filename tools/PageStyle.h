@@ -18,6 +18,9 @@ h3 { font-size: 1.1rem; margin: 28px 0 8px; }
 p { margin: 6px 0; }
 .about { color: #46535f; }
 .error { background: #fdecea; border-left: 5px solid #a3231b; padding: 10px 12px; }
+.lowered { background: #fff4d6; border-left: 5px solid #8a4b00; padding: 10px 12px;
+  margin: 14px 0 0; }
+.lowered p:first-child { font-weight: 600; }
 ul, ol { list-style: none; margin: 0; padding: 0; }
 .scores { display: grid; grid-template-columns: repeat(auto-fit, minmax(130px, 1fr)); gap: 10px;
   margin: 14px 0 0; }

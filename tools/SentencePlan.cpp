@@ -4,20 +4,14 @@
 #include <utility>
 
 #include "core/AnalyzedAudio.h"
+#include "recognition/WordEntry.h"
 #include "tools/EngineMessages.h"
 #include "tools/Lexicon.h"
-#include "tools/PrintableText.h"
+#include "tools/Shortened.h"
 #include "tools/TextPreparation.h"
 
 namespace veral3::tools {
 namespace {
-
-std::string Quoted(const std::vector<std::string>& items) {
-  std::string list;
-  for (const std::string& item : items)
-    list += (list.empty() ? "\"" : ", \"") + PrintableText(item) + "\"";
-  return list;
-}
 
 // Why the engine refuses a sentence that the check let through.
 std::string Refusal(int code, const std::string& messages) {
@@ -31,7 +25,8 @@ std::string Refusal(int code, const std::string& messages) {
     case -400:
       return "an inline digits segment does not parse or has a word that the dictionary lacks";
     case -500:
-      return "it has more than 256 words";
+      return "it has more than " + std::to_string(WordSequence::kMaxWords) +
+             " words, the most that are aligned at once";
     default:
       return messages;
   }
@@ -51,16 +46,16 @@ Findings Examine(const std::string& sentence, LanguageType language, const Lexic
   const SentenceCheck check = CheckSentence(findings.prepared, language, lexicon.has_word);
   std::string passed_over;
   if (!check.missing_words.empty()) {
-    passed_over = "the dictionary lacks " + Quoted(check.missing_words);
+    passed_over = "the dictionary lacks " + QuotedList(check.missing_words);
     findings.unknown = check.missing_words;
   }
   if (!check.unread_numbers.empty()) {
     passed_over += (passed_over.empty() ? "" : "; ") + std::string("write in words: ") +
-                   Quoted(check.unread_numbers);
+                   QuotedList(check.unread_numbers);
   }
   const std::vector<std::string> symbols = UnreadSymbols(sentence, language);
   if (!symbols.empty()) {
-    findings.warning = "not read, write in words what is spoken: " + Quoted(symbols) + "\n";
+    findings.warning = "not read, write in words what is spoken: " + QuotedList(symbols) + "\n";
   }
   if (!passed_over.empty() && !skip_unknown) {
     findings.error = passed_over;
@@ -89,7 +84,7 @@ SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, b
       auto [known, is_new] = prepared.try_emplace(sentence);
       if (is_new) {
         Findings findings = Examine(sentence, language, lexicon, skip_unknown);
-        const std::string about = "sentence \"" + PrintableText(sentence) + "\": ";
+        const std::string about = "sentence \"" + Shortened(sentence) + "\": ";
         if (!findings.warning.empty()) plan.messages += about + findings.warning;
         if (!findings.error.empty()) {
           plan.messages += about + findings.error + "\n";
@@ -104,7 +99,7 @@ SentencePlan PlanSentences(std::vector<AlignJob>& jobs, LanguageType language, b
     }
   }
   if (!unknown_word.empty()) {
-    plan.messages += InlinePronunciationHelp(PrintableText(unknown_word), language);
+    plan.messages += InlinePronunciationHelp(Shortened(unknown_word), language);
     if (!skip_unknown) plan.messages += "or let --skip-unknown pass over such words\n";
   }
   return plan;

@@ -22,6 +22,7 @@
 #include "tools/RunFiles.h"
 #include "tools/RunReports.h"
 #include "tools/SentencePlan.h"
+#include "tools/Shortened.h"
 #include "tools/TextFiles.h"
 
 namespace veral3::tools {
@@ -60,13 +61,20 @@ std::optional<std::uint32_t> DateOf(std::string_view text) {
   return year * 10000 + month * 100 + day;
 }
 
+std::string TooLong(const std::string& what, std::size_t bytes, std::size_t most) {
+  return what + " is too long: " + std::to_string(bytes) +
+         " bytes, of which a tutor file holds at most " + std::to_string(most);
+}
+
 std::string UsageError(const TutorOptions& options) {
   if (!IsUtf8(options.text)) return "the text of --text is not UTF-8";
   if (!IsUtf8(options.teacher)) return "the name of --teacher is not UTF-8";
-  if (options.text.size() > kMaxSentenceBytes) return "the text of --text is too long";
-  if (options.teacher.size() > kMaxTeacherBytes) return "the name of --teacher is too long";
+  if (options.text.size() > kMaxSentenceBytes)
+    return TooLong("the text of --text", options.text.size(), kMaxSentenceBytes);
+  if (options.teacher.size() > kMaxTeacherBytes)
+    return TooLong("the name of --teacher", options.teacher.size(), kMaxTeacherBytes);
   if (!options.date.empty() && !DateOf(options.date)) {
-    return "\"" + options.date + "\" is no date; write it as 2026-11-21";
+    return "\"" + Shortened(options.date) + "\" is no date; write it as 2026-11-21";
   }
   return RunFilesProblem({{"the recording", options.file}}, {{"the tutor file", options.output}});
 }

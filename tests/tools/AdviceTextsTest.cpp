@@ -21,6 +21,20 @@ TEST(AdviceTexts, LettersInWords) {
   EXPECT_EQ(AdviceOf(AdviceKind::kPitch, kLanguageChinese, '0'), "said most like the neutral tone");
 }
 
+TEST(AdviceTexts, LengthsMaySayOtherwise) {
+  for (const char letter : {'l', 'L'}) {
+    EXPECT_TRUE(ContradictsLengths(letter, 19, 20)) << letter;
+    EXPECT_TRUE(ContradictsLengths(letter, 20, 20)) << letter;
+    EXPECT_FALSE(ContradictsLengths(letter, 21, 20)) << letter;
+  }
+  for (const char letter : {'s', 'S'}) {
+    EXPECT_FALSE(ContradictsLengths(letter, 19, 20)) << letter;
+    EXPECT_TRUE(ContradictsLengths(letter, 20, 20)) << letter;
+    EXPECT_TRUE(ContradictsLengths(letter, 21, 20)) << letter;
+  }
+  for (const char letter : {'-', '\0', 'h'}) EXPECT_FALSE(ContradictsLengths(letter, 20, 20));
+}
+
 TEST(AdviceTexts, NothingForNone) {
   for (const AdviceKind kind : {AdviceKind::kPitch, AdviceKind::kTiming, AdviceKind::kIntensity}) {
     for (const char letter : {'-', '\0', 'x'}) {

@@ -135,7 +135,8 @@ TEST_F(Grade, TutorsThatCannotBeUsed) {
   for (const auto& [name, reason] :
        {std::pair{"none.wav", "does not exist"}, std::pair{"text.wav", "cannot be read as audio"},
         std::pair{"empty.wav", ""}, std::pair{"silent.wav", "is silent"},
-        std::pair{"short.wav", "cannot be aligned"}, std::pair{"changed.wav", "damaged"}}) {
+        std::pair{"short.wav", "cannot be aligned: too short for this sentence"},
+        std::pair{"changed.wav", "damaged"}}) {
     const ProcessResult result =
         GradeEnglish({"--tutor", Path(name), "--text", m_sentence, "--format", "json", "--report",
                       Path("page.html"), Path("en_learner.wav")});

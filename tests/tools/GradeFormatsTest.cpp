@@ -75,6 +75,36 @@ TEST(GradeTable, PronunciationAloneLeavesTheRestOut) {
             "  g of g@U (0.100 s, score 100) sounds like k\n");
 }
 
+GradeReport Lowered() {
+  GradeReport report = SampleGrade();
+  report.lowered_to = 0.484375;
+  report.reasons = {{"noise", "noise: a"}, {"cut_end", "cut off: b"}};
+  return report;
+}
+
+TEST(GradeTable, LoweredScoresAreToldOf) {
+  const std::string told =
+      "loudness 60\n"
+      "scores lowered to 48 %: this may not be a reading of the sentence\n"
+      "  noise: a\n"
+      "  cut off: b\n"
+      "\n"
+      "                 GO   AWAY\n";
+  EXPECT_THAT(GradeTable(Lowered()), HasSubstr(told));
+  GradeReport report = Lowered();
+  report.reasons.clear();
+  EXPECT_THAT(GradeTable(report), HasSubstr("reading of the sentence\n\n                 GO"));
+  report.lowered_to = 0.9;
+  EXPECT_EQ(GradeTable(report), GradeTable(SampleGrade()));
+  report.lowered_to = 0.899;
+  EXPECT_THAT(GradeTable(report), HasSubstr("scores lowered to 90 %: "));
+  report.lowered_to.reset();
+  EXPECT_EQ(GradeTable(report), GradeTable(SampleGrade()));
+  report = Lowered();
+  report.pronunciation_only = true;
+  EXPECT_THAT(GradeTable(report), HasSubstr("\ntotal lowered to 48 %: "));
+}
+
 TEST(GradeTable, LongSentencesAreBrokenBetweenWords) {
   GradeReport report = SampleGrade();
   report.analysis.alignment.words[0].text = "INTERNATIONALISATION";
@@ -145,6 +175,21 @@ TEST(GradeJson, FitsItsSchema) {
   EXPECT_EQ(alone["pronunciation_only"], true);
 }
 
+TEST(GradeJson, ReasonsStandBesideWhatIsLowered) {
+  const json lowered = json::parse(JsonText(GradeJson(Lowered())));
+  EXPECT_EQ(test::SchemaError(lowered, Schema()), "");
+  EXPECT_EQ(lowered["lowered_to"], 0.484375);
+  EXPECT_EQ(lowered["reasons"], json::array({{{"reason", "noise"}, {"text", "noise: a"}},
+                                             {{"reason", "cut_end"}, {"text", "cut off: b"}}}));
+  const json good = json::parse(JsonText(GradeJson(SampleGrade())));
+  EXPECT_EQ(good["lowered_to"], 0.90625);
+  EXPECT_EQ(good["reasons"], json::array());
+}
+
+TEST(GradeCsv, ReasonsAreOneField) {
+  EXPECT_THAT(GradeCsv(Lowered()), HasSubstr(",0.937500,0.484375,noise;cut_end\r\n"));
+}
+
 TEST(GradeSchema, RejectsWhatIsOff) {
   const json good = json::parse(JsonText(GradeJson(SampleGrade())));
   const std::vector<std::pair<const char*, json>> changes = {{"/scores/total", 101},
@@ -153,6 +198,8 @@ TEST(GradeSchema, RejectsWhatIsOff) {
                                                              {"/syllables/0/unnecessary_pause", 1},
                                                              {"/words/0/contrasts/pitch", -1},
                                                              {"/syllables/0/tutor_tone", 5},
+                                                             {"/lowered_to", 1.1},
+                                                             {"/reasons", {{{"reason", "x"}}}},
                                                              {"/tutor", "t.wav"},
                                                              {"/pronunciation_only", nullptr}};
   for (const auto& [place, value] : changes) {
@@ -168,17 +215,17 @@ TEST(GradeCsv, ALineForEverything) {
   for (std::string line; std::getline(lines, line);) {
     ASSERT_TRUE(line.ends_with('\r'));
     all.push_back(line.substr(0, line.size() - 1));
-    EXPECT_EQ(std::ranges::count(line, ','), 23) << line;
+    EXPECT_EQ(std::ranges::count(line, ','), 25) << line;
   }
   ASSERT_EQ(all.size(), 1u + 1u + 2u + 3u + 7u);
   EXPECT_EQ(all[1],
             "a.wav,recording,go away,0,22050,0.000000,1.000000,81,90,80,70,60,,,,,,,,,,,,"
-            "0.937500");
+            "0.937500,0.906250,");
   EXPECT_EQ(all[3],
             "a.wav,words,AWAY,8800,17600,0.399093,0.798186,72,70,60,80,90,,,,,1.500000,"
-            "10000000000.000000,1.000000,,,,,");
-  EXPECT_EQ(all[5], "a.wav,syllables,@,8800,9900,0.399093,0.448980,,80,70,60,50,h,S,-,1,,,,,,,,");
-  EXPECT_EQ(all[7], "a.wav,phonemes,g,2200,3300,0.099773,0.149660,,100,,,,,,,,,,,,,k,0.500000,");
+            "10000000000.000000,1.000000,,,,,,,");
+  EXPECT_EQ(all[5], "a.wav,syllables,@,8800,9900,0.399093,0.448980,,80,70,60,50,h,S,-,1,,,,,,,,,,");
+  EXPECT_EQ(all[7], "a.wav,phonemes,g,2200,3300,0.099773,0.149660,,100,,,,,,,,,,,,,k,0.500000,,,");
   EXPECT_EQ(GradeCsv(Failed()), "");
 }
 

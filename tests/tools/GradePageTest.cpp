@@ -76,6 +76,37 @@ TEST(GradePage, TellsScoresSoundsAndAdvice) {
   }
 }
 
+// "S", much too short, of the second syllable, which lasts from 8800 to 9900.
+TEST(GradePage, AdviceAgainstTheLengthsSaysWhatItRestsOn) {
+  DrawnRecording tutor = SampleGrade().drawn;
+  const std::string added =
+      "much too short, measured against the other syllables of the same reading";
+  EXPECT_THAT(GradePage({SampleGrade()}, &tutor),
+              HasSubstr("<p class=\"advice\">" + added + "</p>"));
+  tutor.syllables[1] = {8800, 9800};
+  EXPECT_THAT(GradePage({SampleGrade()}, &tutor), HasSubstr(added));
+  tutor.syllables[1] = {8800, 10200};
+  const std::string page = GradePage({SampleGrade()}, &tutor);
+  EXPECT_THAT(page, HasSubstr("<p class=\"advice\">much too short</p>"));
+  EXPECT_THAT(page, Not(HasSubstr("measured against")));
+}
+
+TEST(GradePage, LoweredScoresAreToldOf) {
+  const DrawnRecording tutor = SampleGrade().drawn;
+  GradeReport report = SampleGrade();
+  EXPECT_THAT(GradePage({report}, &tutor), Not(HasSubstr("class=\"lowered\"")));
+  report.lowered_to = 0.484375;
+  report.reasons = {{"noise", "noise: <a>"}, {"cut_end", "cut off: b"}};
+  const std::string page = GradePage({report}, &tutor);
+  EXPECT_EQ(TagError(page), "");
+  EXPECT_THAT(page, HasSubstr("<div class=\"lowered\"><p>Scores lowered to 48 %: this may not be a "
+                              "reading of the sentence.</p><p>What speaks for it:</p>"
+                              "<ul class=\"told\"><li>noise: &lt;a&gt;</li><li>cut off: b</li></ul>"
+                              "</div>"));
+  report.reasons.clear();
+  EXPECT_THAT(GradePage({report}, &tutor), Not(HasSubstr("What speaks for it")));
+}
+
 TEST(GradePage, WhatWasNotMeasuredIsADash) {
   const std::string page = GradePage({SamplePronunciationGrade()}, nullptr);
   EXPECT_EQ(TagError(page), "");

@@ -56,6 +56,7 @@ inline GradeReport SampleGrade() {
   report.tutor_file = "t.wav";
   report.teacher = "Ms. Lin";
   report.scores = {81, 90, 80, 70, 60};
+  report.lowered_to = 0.90625;
   report.words = {{{91, 91, 92, 93, 94}, {1.0, 1.0, 1.0}},
                   {{72, 70, 60, 80, 90}, {1.5, 1e10, 1.0}}};
   report.syllables = {{{std::nullopt, 91, 92, 93, 94}, '-', '-', '-', false, {}, {}},
