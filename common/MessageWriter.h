@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <locale>
 #include <sstream>
 #include <string_view>
@@ -46,10 +45,8 @@ class Message {
   std::ostringstream m_text;
 };
 
-// Ends the process with `status`: the one way out for the engine's fatal errors.
+// Ends the process with `status`, if SetEndProcessHandler has not put something else in its place:
+// the one way out for the engine's fatal errors.
 [[noreturn]] void EndProcess(int status);
-
-// Replaces what EndProcess does; for tests, whose handler throws. Empty restores std::exit.
-void SetEndProcessHandler(std::function<void(int status)> handler);
 
 }  // namespace veral3

@@ -40,9 +40,7 @@ bool IsAligned(const AnalysisState* state, const std::int16_t* samples, const ch
          AreSamples(static_cast<std::uint32_t>(state->num_samples), samples, operation);
 }
 
-bool HasIntensity(const AnalysisState& state) {
-  return !ProsodyOf(&state).intensity.frame.empty();
-}
+bool HasIntensity(const AnalysisState& state) { return !ProsodyOf(&state).intensity.frame.empty(); }
 
 bool HasPitch(const AnalysisState& state) { return !ProsodyOf(&state).pitch.frame.empty(); }
 

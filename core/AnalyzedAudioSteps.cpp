@@ -101,8 +101,8 @@ int AnalyzedAudio::Analyze(std::uint32_t, std::int16_t* samples) {
 
 int AnalyzedAudio::AnalyzePronunOnly(std::int16_t* samples) {
   return AllOrNothing("AnalyzePronunOnly", m_state.get(), samples, [&] {
-    return CalculateUttPronunProb() == 0 &&     //
-           AnalyzeIntensity(samples) == 0 &&    //
+    return CalculateUttPronunProb() == 0 &&   //
+           AnalyzeIntensity(samples) == 0 &&  //
            MarkBadSyllablesPronunOnly() == 0;
   });
 }
@@ -131,8 +131,8 @@ int AnalyzedAudio::CalculateUttPronunProb() {
   });
 }
 
-int AnalyzedAudio::CalculateFramePitch_PraAC(const std::int16_t* samples,
-                                             std::uint32_t num_samples, int* frame_pitch) {
+int AnalyzedAudio::CalculateFramePitch_PraAC(const std::int16_t* samples, std::uint32_t num_samples,
+                                             int* frame_pitch) {
   constexpr const char* kOperation = "CalculateFramePitch_PraAC";
   return Guarded(kOperation, [&] {
     if (!veral3::IsUsable(State(), kOperation) ||
@@ -152,8 +152,7 @@ int AnalyzedAudio::AnalyzePitch(const std::int16_t* samples) {
     if (!IsAligned(State(), samples, "AnalyzePitch")) return -1;
     const veral3::ModelsInUse models_in_use;
     const auto num_samples = static_cast<std::uint32_t>(m_state->num_samples);
-    std::vector<std::int32_t> frame_pitch(
-        static_cast<std::size_t>(veral3::NumFrames(num_samples)));
+    std::vector<std::int32_t> frame_pitch(static_cast<std::size_t>(veral3::NumFrames(num_samples)));
     if (CalculateFramePitch_PraAC(samples, num_samples, frame_pitch.data()) < 0) return -1;
     ChangeProsody(*m_state, [&](ProsodyResult& prosody) {
       prosody.pitch =
@@ -177,8 +176,8 @@ int AnalyzedAudio::AnalyzeTiming() {
 int AnalyzedAudio::AnalyzeIntensity(const std::int16_t* samples) {
   return Guarded("AnalyzeIntensity", [&] {
     ChangeProsody(*m_state, [&](ProsodyResult& prosody) {
-      prosody.intensity = veral3::MeasureIntensity(
-          *m_state->result, SamplesOf(*m_state, samples), m_state->last_energy_ratio);
+      prosody.intensity = veral3::MeasureIntensity(*m_state->result, SamplesOf(*m_state, samples),
+                                                   m_state->last_energy_ratio);
     });
     m_state->last_energy_ratio = m_state->prosody->intensity.speech_to_utterance;
     CalculateSignalNoiseRatio(samples);
@@ -218,8 +217,8 @@ int AnalyzedAudio::MarkBadSpacesPronunOnly() {
     if (!HasIntensity(*m_state)) return Refuse("MarkBadSpacesPronunOnly", "nothing is analysed");
     const veral3::IntensityMeasures& intensity = m_state->prosody->intensity;
     GoodnessResult goodness = veral3::GoodnessOf(State());
-    goodness.loud_gaps = veral3::CountLoudGapsPronunOnly(*m_state->result, intensity.frame,
-                                                         intensity.mean_speech);
+    goodness.loud_gaps =
+        veral3::CountLoudGapsPronunOnly(*m_state->result, intensity.frame, intensity.mean_speech);
     m_state->goodness = std::make_shared<GoodnessResult>(std::move(goodness));
     return 0;
   });
@@ -264,9 +263,8 @@ int AnalyzedAudio::GenerarteWaveformContour(const std::int16_t* samples) {
 
 int AnalyzedAudio::GeneratePitchAndIntensityContour() {
   return Guarded("GeneratePitchAndIntensityContour", [&] {
-    ChangeProsody(*m_state, [&](ProsodyResult& prosody) {
-      veral3::DrawContours(*m_state->result, prosody);
-    });
+    ChangeProsody(*m_state,
+                  [&](ProsodyResult& prosody) { veral3::DrawContours(*m_state->result, prosody); });
     return 0;
   });
 }
