@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <locale>
 #include <memory>
 #include <ostream>
@@ -72,10 +71,8 @@ class Message {
   std::ostream m_text;
 };
 
-// Ends the process with `status`: the one way out for the engine's fatal errors.
+// Ends the process with `status`, if SetEndProcessHandler has not put something else in its place:
+// the one way out for the engine's fatal errors.
 [[noreturn]] void EndProcess(int status);
-
-// Replaces what EndProcess does; for tests, whose handler throws. Empty restores std::exit.
-void SetEndProcessHandler(std::function<void(int status)> handler);
 
 }  // namespace veral3

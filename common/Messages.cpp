@@ -16,7 +16,7 @@ namespace {
 struct Sink {
   std::mutex mutex;
   MessageHandler handler;
-  std::function<void(int)> end_process;
+  EndProcessHandler end_process;
 };
 
 // Never destroyed: messages may come from destructors of other static objects. In a place of its
@@ -101,8 +101,6 @@ void EndProcess(int status) {
   std::exit(status);
 }
 
-void SetEndProcessHandler(std::function<void(int)> handler) {
-  TheSink().end_process = std::move(handler);
-}
+void SetEndProcessHandler(EndProcessHandler handler) { TheSink().end_process = std::move(handler); }
 
 }  // namespace veral3

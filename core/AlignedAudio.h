@@ -13,6 +13,9 @@
 // of range, and a value that no step has measured yet, reads 0 (empty text). Pauses are no
 // phonemes: they show as a gap between the end of one phoneme and the start of the next.
 //
+// The ranges are those of a recording analysed now. A stored one answers what its record holds,
+// which another program may have written: see storage/SavedAlignedAudio.h.
+//
 // An object is destroyed through its own class, never through this one.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
@@ -30,10 +33,10 @@ class VERAL3_API AlignedAudio {
   virtual LanguageType GetLanguageType() = 0;
 
   // Zero-terminated, one character of the language's phoneme set a phoneme. Owned by the object,
-  // valid until its next analysis or its end.
+  // valid until its next alignment or loading, or its end.
   virtual const char* GetPhonemes() = 0;
 
-  // The text of the sentence that the alignment chose.
+  // The text of the sentence that the alignment chose, as it was given.
   virtual CString GetMatchedSentence() = 0;
 
   virtual int GetNumOfSamples() = 0;
@@ -51,25 +54,37 @@ class VERAL3_API AlignedAudio {
   virtual int GetSyllableStartPosition(int syl) = 0;
   virtual int GetWordStartPosition(int word) = 0;
 
-  virtual int GetSyllablePitch(int syl) = 0;  // [Hz] highest of the syllable, 0 unvoiced
+  // [Hz] The highest of the syllable's frames, 65 to 460; 0 where none is voiced.
+  virtual int GetSyllablePitch(int syl) = 0;
 
-  // Probability of a tone class for a syllable; Chinese only.
+  // Probability of a tone for a syllable, 0 to 1. `tone`: 1 to 4, and 0 for the neutral tone, which
+  // is 5 in GetSyllableToneOrStress. All 0 for a syllable that was not classified (its voice is
+  // broken in more than two pieces, or no model is loaded) and in other languages than Chinese.
   virtual double GetSylToneProb(int syl, int tone) = 0;
 
-  // The syllable's tone (Chinese, 1 to 5) or stress (English, 0 to 2) in the pronunciation chosen.
+  // The syllable's tone (Chinese, 1 to 4, and 5 for the neutral tone) or stress (English, 0 none, 1
+  // primary, 2 secondary) in the pronunciation that was aligned, as the dictionary has it. In
+  // Japanese it means nothing.
   virtual int GetSyllableToneOrStress(int syl) = 0;
 
-  virtual int GetSyllableDuration(int syl) = 0;      // [samples]
-  virtual double GetSyllableIntensity(int syl) = 0;  // highest frame energy of the syllable
+  virtual int GetSyllableDuration(int syl) = 0;  // [samples]
 
-  virtual int GetUttNumOfPitchSegments() = 0;
+  // Energy of the syllable's loudest frame: the sum of its 551 squared samples, each from -32768 to
+  // 32767; 0 to 5.9e11. Not in dB.
+  virtual double GetSyllableIntensity(int syl) = 0;
 
-  // Contours for display.
-  virtual int GetWaveY(int i) = 0;             // i in 0..99, 0 to 29490
-  virtual int GetPitchContour(int i) = 0;      // i in 0..127, 0 to 229
-  virtual int GetIntensityContour(int i) = 0;  // i in 0..127, 0 to 229
+  virtual int GetUttNumOfPitchSegments() = 0;  // voiced stretches of the whole recording
 
-  virtual int GetWordPitch(int word) = 0;  // [Hz] mean over the word's syllables
+  // Contours for display, from the start of the first phoneme to the end of the last. The waveform
+  // has 100 points, mean magnitudes scaled so that the largest is 29490 (29489 where rounding has
+  // it so): 0 to 29490. Pitch and intensity have 128 points, scaled so that each runs from 0 to
+  // 229; one that never changes is all 0. Silence, and a sentence without words, give all 0.
+  virtual int GetWaveY(int i) = 0;
+  virtual int GetPitchContour(int i) = 0;
+  virtual int GetIntensityContour(int i) = 0;
+
+  // [Hz] Mean over the word's syllables, the unvoiced ones among them, cut to a whole number.
+  virtual int GetWordPitch(int word) = 0;
 
   // The most prominent, second and third syllable by pitch, loudness and length, for highlighting;
   // -1 where there are fewer syllables. Of equals the later one counts for pitch, the earlier one

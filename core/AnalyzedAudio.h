@@ -13,20 +13,23 @@ struct AnalysisState;
 
 // One recording of a speaker who reads a sentence, aligned and measured.
 //
-//   AnalyzedAudio::LoadResourceInFolderPath("resources/");     // once a process; mind the slash
+//   AnalyzedAudio::LoadResourceInFolderPath("resources/");   // once a process; mind the slash
 //   AnalyzedAudio::LoadModelFile("resources/EnglishFrame.model", kFrameModelEnglish);
 //
 //   AnalyzedAudio audio(kLanguageEnglish);
-//   audio.AddPossibleSentence(L"Good morning");                // up to 8 candidates
-//   int matched = audio.Align(num_samples, samples);           // its index, or negative
+//   audio.AddPossibleSentence(L"Good morning");              // up to 8 candidates
+//   int matched = audio.Align(num_samples, samples);         // index of the sentence, or negative
 //   if (matched >= 0) {
 //     for (int i = 0; i < audio.GetNumOfPhonemes(); ++i) {
 //       use(audio.GetPhonemes()[i], audio.GetPhonemeStartSampleNum(i));
 //     }
 //   }
 //
-// Samples are 16 bit, mono, 22050 Hz, at least 551 of them; they stay the caller's. Failures write
-// one message (see common/Messages.h) and return a negative number; nothing throws.
+// Samples are 16 bit, mono, 22050 Hz, at least 551 of them; they stay the caller's. A failure
+// writes a message (see common/Messages.h) and returns a negative number, as a rule: where it does
+// so silently, the operation says it. Nothing throws. Memory that runs out is a failure like any
+// other. Two failures end the process instead; common/Messages.h tells which, and how an
+// application stays alive.
 //
 // Threads: load first. Afterwards any number of threads may each analyse with objects of their
 // own, also against one shared tutor; one object serves one thread at a time. The results are the
@@ -58,37 +61,45 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // Where memory runs out, all three stay as they were.
   static void LoadResourceInFolderPath(const char* folder);
 
-  // Loads one network (docs/formats/model.md). Returns its version, -1 on failure; a type that
-  // names no model comes back as it is, and nothing is loaded. Refused while an analysis runs.
-  // Takes files that must not be used: call veral3::CheckModelFile (recognition/CheckModelFile.h)
-  // first.
+  // Loads one network (docs/formats/model.md) in the place of the one of its type. Returns its
+  // version as the file has it; -1 with a message when the file can't be used, after which there is
+  // no model of that type, or while an analysis runs, which changes nothing. A type that names no
+  // model comes back as it is, and nothing is loaded. Takes files that must not be used, whose
+  // layers are unknown or fit another language: call veral3::CheckModelFile
+  // (recognition/CheckModelFile.h) first.
   static int LoadModelFile(const char* path, ModelFileType type);
 
   // Adds a candidate sentence. Returns the number of sentences so far (1 to 8); -1 when there are
   // 8 already; -101 for a text that begins with a bar and a blank, -200 and -300 for a bad inline
   // pronunciation or an unknown inline segment, -400 for bad inline digits, -500 for more than 256
   // words; -1 also when memory runs out. A word that the dictionary lacks is reported and passed
-  // over.
+  // over. Silent are -101, -300, an inline pronunciation (-200) that is malformed behind a good
+  // beginning, and inline digits (-400) without the blank that they begin with.
   int AddPossibleSentence(CString sentence);
 
   // Finds the sentence that was read and where each of its phonemes lies. The samples are
   // high-pass filtered in place (80 Hz) before anything is checked. Returns the index of the
   // sentence, in the order added, or a negative number; the results of an earlier alignment are
-  // gone either way.
+  // gone either way, unless the object is of no language or the samples are none at all (null, or
+  // more than 2^31 - 1): that changes nothing.
   int Align(std::uint32_t num_samples, std::int16_t* samples);
 
   // The same against the sentences of `tutor`, which any number of learners may use at once. The
-  // samples are taken as they are: not filtered.
+  // samples are taken as they are: not filtered. GetMatchedSentence then gives this object's own
+  // sentence of that index, empty where it has none; GetWordOfMatchedSentence gives the tutor's
+  // words.
   int AlignAgainstTutor(const AnalyzedAudio* tutor, std::uint32_t num_samples,
                         std::int16_t* samples);
 
   // Measures the recording just aligned: pronunciation, pitch, timing, loudness, contours.
   // `samples`: the buffer that the alignment was given, as it left it; its length is the one given
-  // then. Returns 0, or -1 when there is no alignment. A model that is not loaded is reported, and
-  // what it would have told reads 0.
+  // then, whatever `num_samples` says. Returns 0; -1 when there is no alignment or memory runs out,
+  // and what was measured before is still there. A model that is not loaded is reported, and what
+  // it would have told reads 0.
   int Analyze(std::uint32_t num_samples, std::int16_t* samples);
 
-  // The same without pitch, timing and contours: what grading the pronunciation alone needs.
+  // The same without pitch, timing and contours: what grading the pronunciation alone needs. Those
+  // of an earlier Analyze stay.
   int AnalyzePronunOnly(std::int16_t* samples);
 
   // The steps of both, for those who want one alone. Each needs an alignment and what the steps
@@ -124,49 +135,66 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   int MarkBadSpacesPronunOnly();
   int MarkBadSyllablesPronunOnly();
 
-  double GetLogProbOfAlign();     // of the best path, natural logarithm
-  int GetMatchedSentenceIndex();  // 0-based; -1 before an alignment
+  // Natural logarithm of the best path's probability, plus the 1.0 that every path begins with.
+  double GetLogProbOfAlign();
+
+  int GetMatchedSentenceIndex();  // 0-based; -1 while nothing is aligned
   CString GetWordOfMatchedSentence(int word);
   int GetSizeOfPhonemeSet();  // symbols of the language, the pause among them
 
-  // Geometric mean over its frames of the probability that the frame classifier gave a phoneme,
-  // and the same for the gaps: before the first phoneme, between two, after the last (1.0 for an
-  // empty gap; one more gap than phonemes).
+  // Geometric mean over its frames of what the frame classifier gave a phoneme, the sum of its
+  // three states' scores; and the same for the gaps: before the first phoneme, between two, after
+  // the last (1.0 for an empty gap; one more gap than phonemes). A likeness from 0 to 1, but not a
+  // probability to rely on: each score is raised to 1e-6 at least, so that a sum may pass 1 a
+  // little, and with a model whose scores are no probabilities it may be anything above 0.
   double GetPhonMFCCProb(int phon);
   double GetPauseMFCCProb(int gap);
 
-  // What each phoneme sounds like by the phoneme classifier: the symbols, one a phoneme
-  // (zero-terminated, owned by the object), and their shares of the probability.
+  // What each phoneme sounds like by the phoneme classifier: always GetNumOfPhonemes() + 1
+  // characters, one symbol a phoneme and the closing zero, all zero where no phoneme model told
+  // them. Owned by the object, valid until its next alignment or analysis. And the symbol's part of
+  // the sum of the phoneme's values, 0 to 1.
   const char* GetSoundsLikePhonemes();
   double GetSoundsLikePhonProb(int phon);
 
-  // A phoneme's probabilities in the order of the phoneme set, 64 values of which those beyond the
-  // set are 0. Owned by the object; all 0 for a phoneme that has none.
+  // A phoneme's values by the phoneme classifier in the order of the phoneme set, 64 of which those
+  // beyond the set are 0; from 0 to 1, about 1 together, where the model gives probabilities.
+  // Owned by the object, valid as above; all 0 for a phoneme that has none, never null.
   const double* GetPhonProbDistrArry(int phon);
 
-  // Goodness of a syllable, 0 to 1: below 1 after a noise in an unlikely pause, or for a broken
-  // pitch.
+  // Goodness of a syllable, above 0 to 1: below 1 after a noise in an unlikely pause, or for a
+  // broken pitch. 0 until an analysis.
   double ProbGoodSyllable(int syl);
 
-  int GetSylNumOfPitchSegments(int syl);
-  double GetSpeechUttEnergyRatio();  // energy of the syllables / of the whole recording
+  int GetSylNumOfPitchSegments(int syl);  // voiced stretches of the syllable
 
-  // Power of speech / power of what lies around it, not in dB; 0 until computed, and where the
-  // surroundings are silent. Computed once an alignment.
+  // Energy of the syllables / of the whole recording, 0 to 1. Of a recording all of whose samples
+  // are 0 it is the object's ratio before, divided by 1e-20: 0 for a fresh object, else huge, and
+  // infinite after several.
+  double GetSpeechUttEnergyRatio();
+
+  // Mean power of speech / mean power of what lies around it, not in dB: 0 or above; 0 until
+  // computed, and where the surroundings are silent or missing. Computed once an alignment, from
+  // the samples that were aligned, by the analysis or here; then `samples` are not looked at again.
+  // 0 with a message when nothing is aligned.
   double CalculateSignalNoiseRatio(const std::int16_t* samples);
   double GetSignalNoiseRatio();
 
-  // Writes the NUM_UTT_GOODNESS_FEATURES inputs of the goodness classifier.
+  // Writes the NUM_UTT_GOODNESS_FEATURES inputs of the goodness classifier; nothing, after a
+  // message, for an object of no language. What was not measured is 0.
   void PrepareUttGoodnessFeatures(double* features);
 
-  // Probability that the recording is a reading of the sentence at all; 0 without a model, -1 when
-  // memory runs out.
+  // Probability that the recording is a reading of the sentence at all, 0 to 1 where the model
+  // gives probabilities; 0 with a message without a model, -1 when memory runs out.
   double GetProbOfGoodAlignment();
 
   static constexpr int NUM_UTT_GOODNESS_FEATURES = 16;
 
-  // Suppresses steady noise in place, before an alignment. `policy`: 0 (mild) to 3 (strong).
-  // Returns 1, or -1 with a message and the samples unchanged.
+  // Suppresses steady noise in place, before an alignment. `policy`: 0 (mild) to 3 (strong). The
+  // samples are 22050 Hz as everywhere; the suppressor, which is made for 16000 Hz, takes them for
+  // such in blocks of 160. What is left behind the last whole block, num_samples % 160 samples,
+  // stays as it is. Returns 1. -1 with the samples unchanged: without samples, silently; for
+  // another policy, with a message that goes to standard output.
   static int NoiseReduction(std::int16_t* samples, std::uint32_t num_samples, int policy);
 
   // The alignment record: this recording in 2544 bytes, from which a SavedAlignedAudio reads it
@@ -176,8 +204,8 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   static int GetSizeOfAlignInfo();
   int GetAlignInfo(unsigned char* buffer);
 
-  // Prints the result for inspection on standard output. Returns 0, or -1 with a message when
-  // nothing is aligned.
+  // Prints the result for inspection: a message for standard output. Returns 0, or -1 with a
+  // message when nothing is aligned.
   int PrintAlignmentResult();
 
   // Training examples for the classifiers, appended to streams that the caller opened: a line of

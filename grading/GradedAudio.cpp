@@ -65,6 +65,14 @@ bool IsAnalysed(const veral3::AnalysisState* state, const char* operation) {
   return true;
 }
 
+// Pitch, timing and loudness that were not measured, or were released, are not graded as silence.
+bool HasProsody(const veral3::AnalysisState* state) {
+  const veral3::ProsodyResult& prosody = veral3::ProsodyOf(state);
+  const auto count = static_cast<std::size_t>(veral3::AlignmentOf(state).num_syllables);
+  return prosody.pitch.syllable.size() == count && prosody.syllable_duration.size() == count &&
+         prosody.intensity.syllable.size() == count;
+}
+
 // What a new grading starts from: the earlier one without its scores.
 GradedResult StartFrom(const GradedResult& earlier) {
   GradedResult graded = earlier;
@@ -90,7 +98,7 @@ int GradedAudio::GradeAgainstTutor(AlignedAudio* tutor) {
       return -1;
     }
     if (!IsAnalysed(State(), "GradeAgainstTutor")) return -1;
-    if (!State()->prosody) {  // released: pitch, timing and loudness would be graded as silence
+    if (!HasProsody(State())) {
       Report("GradeAgainstTutor", "the recording is not analysed");
       return -1;
     }

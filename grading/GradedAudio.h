@@ -38,7 +38,9 @@ class VERAL3_API GradedAudio : public AnalyzedAudio {
 
   // Grades against a tutor's reading of the same sentence. Returns the total score; 0 with a
   // message when the tutor speaks another language; -1 when the pronunciation can't be graded (no
-  // syllables, or one that the language does not know), without a tutor, or before an analysis.
+  // syllables, or one that the language does not know), silently; -1 with a message without a
+  // tutor, before Analyze, or after ReleaseMemory. A tutor that was not analysed, or has other
+  // counts than the learner, is read as far as it goes; what it lacks counts as 0.
   int GradeAgainstTutor(AlignedAudio* tutor);
 
   // Grades the pronunciation alone, after Analyze or AnalyzePronunOnly. Returns the total. The
@@ -74,16 +76,18 @@ class VERAL3_API GradedAudio : public AnalyzedAudio {
   int GetWordIntensityPercent(int word);  // always 100
 
   // English: how much the tutor's most prominent syllable of the word stands out over the one that
-  // the learner made prominent; 1 where they agree.
+  // the learner made prominent: the tutor's value of the one divided by its value of the other. 1
+  // where they agree and for a word of one syllable, 1e10 where it is divided by 0.
   double GetWordPitchConstrast(int word);
   double GetWordTimingConstrast(int word);
   double GetWordIntensityConstrast(int word);
 
-  // Chinese: the tutor's and the learner's most likely tone class of a syllable.
+  // Chinese: the tutor's and the learner's most likely tone of a syllable, 1 to 4, or 0 for the
+  // neutral tone and where no tone was told. 0 in other languages.
   int GetCorrectTone(int syl);
   int GetStudentTone(int syl);
 
-  // A report of all scores on standard output.
+  // A report of all scores: a message for standard output.
   void PrintScores();
 
   // One line a recording, syllable or word that tells how learner and tutor differ, for collecting

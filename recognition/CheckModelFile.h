@@ -11,7 +11,7 @@
 //   if (!fault.empty()) {
 //     std::fprintf(stderr, "%s\n", fault.c_str());
 //   } else if (AnalyzedAudio::LoadModelFile(path, kFrameModelEnglish) < 0) {
-//     ...  // gone or changed in between, memory ran out, or an analysis was running
+//     give_up();  // gone or changed in between, memory ran out, or an analysis was running
 //   }
 //
 // LoadModelFile takes every file that it can make layers of. Some of them end the process when they
@@ -22,9 +22,9 @@ namespace veral3 {
 // Returns "" when the file may be loaded as `type`. Else one sentence in English, without a full
 // stop or a line end, that begins with `path` and says what is wrong and what to do about it:
 //
-//   resources/EnglishFrame.model cannot be used as the English frame model: it has 195 inputs and
-//   99 outputs like the Chinese frame model, not 195 inputs and 111 outputs; load it as what it is,
-//   or give a file that was made as the English frame model
+//     resources/EnglishFrame.model cannot be used as the English frame model: it has 195 inputs
+//     and 99 outputs like the Chinese frame model, not 195 inputs and 111 outputs; load it as what
+//     it is, or give a file that was made as the English frame model
 //
 // What it finds:
 // - a file that is missing, not a regular file, unreadable, cut off or damaged in its structure;

@@ -16,7 +16,7 @@ constexpr veral3::VectorClassifier::Texts kTexts = {
 
 void RaiseToFloor(double* scores, std::size_t count) {
   for (double& score : std::span(scores, count)) {
-    if (score < kFloor) score = kFloor;
+    if (!(score >= kFloor)) score = kFloor;  // a score that is no number is no score
   }
 }
 

@@ -3,8 +3,8 @@
 #include "recognition/VectorClassifier.h"
 
 // Scores the phoneme states of one MFCC frame from five frames (195 floats): one score a state,
-// each at least 1e-6. Loading is for one thread alone; classifying is const, any number of threads
-// may.
+// each at least 1e-6, which is also what a score that is no number becomes. Loading is for one
+// thread alone; classifying is const, any number of threads may.
 class DLFrameClassifier {
  public:
   DLFrameClassifier();

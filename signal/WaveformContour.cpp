@@ -8,7 +8,7 @@ namespace veral3 {
 
 std::array<int, kWaveformPoints> WaveformContour(std::span<const std::int16_t> samples, int start,
                                                  int end) {
-  constexpr float kLargestPoint = 29490.3F;
+  constexpr double kLargestPoint = 29490.3;
   const auto size = static_cast<std::int64_t>(samples.size());
   std::int64_t span = (std::int64_t{end} - start) / kWaveformPoints;
   if (span <= 0) span = 1;
@@ -27,7 +27,8 @@ std::array<int, kWaveformPoints> WaveformContour(std::span<const std::int16_t> s
   }
   const int largest = *std::max_element(points.begin(), points.end());
   if (largest == 0) return points;
-  const float scale = kLargestPoint / static_cast<float>(largest);
+  // The quotient is rounded to single precision once; the products are single.
+  const float scale = static_cast<float>(kLargestPoint / largest);
   for (int& point : points) point = static_cast<int>(static_cast<float>(point) * scale);
   return points;
 }

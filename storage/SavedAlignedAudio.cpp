@@ -1,6 +1,7 @@
 #include "storage/SavedAlignedAudio.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <new>
 #include <span>
@@ -85,6 +86,14 @@ int SavedAlignedAudio::LoadFromHLY(HLYFile* file) {
       Say() << "AlignedAudio::LoadFromHLY(): Error, damaged align info in HLY file: "
             << info.num_phonemes << " phonemes, " << info.num_syllables << " syllables, "
             << info.num_words << " words.\n";
+      return -1;
+    }
+    for (int i = 0; i < info.num_syllables; ++i) {
+      if (std::isfinite(At(info.syllable_intensity, i))) continue;
+      Say()
+          << "AlignedAudio::LoadFromHLY(): Error, damaged align info in HLY file: the intensity of "
+             "syllable "
+          << i << " is not a finite number.\n";
       return -1;
     }
     m_recording = veral3::MakeSavedRecording(info);

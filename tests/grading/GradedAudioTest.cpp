@@ -112,6 +112,32 @@ TEST_F(GradedAudioTest, BeforeAnAnalysisAndWithoutTutor) {
   EXPECT_EQ(m_messages.Entries().size(), 5u);  // the constructor's among them
 }
 
+// Missing pitch, timing and loudness would be graded as a learner who said nothing.
+TEST_F(GradedAudioTest, WithoutPitchAndTimingOnlyThePronunciationIsGraded) {
+  const int total = m_learner.GradePronunOnly();
+  ASSERT_GT(total, 0);
+  m_learner.ReleaseMemory();
+  auto samples = test::ChainRecording("en_learner");
+  for (const bool with_pitch : {false, true}) {
+    if (with_pitch) {
+      ASSERT_EQ(m_learner.AnalyzePitch(samples.data()), 0);
+    }
+    m_messages.Clear();
+    EXPECT_EQ(m_learner.GradeAgainstTutor(&m_tutor), -1);
+    EXPECT_EQ(m_messages.All(),
+              "ERROR in GradedAudio::GradeAgainstTutor(), the recording is not analysed\n");
+    EXPECT_EQ(m_learner.GradePronunOnly(), total);
+  }
+  GradedAudio pronounced(kLanguageEnglish);
+  pronounced.AddPossibleSentence(L"I READ THE CAT");
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  ASSERT_GE(pronounced.Align(count, samples.data()), 0);
+  ASSERT_EQ(pronounced.AnalyzePronunOnly(samples.data()), 0);
+  EXPECT_EQ(pronounced.GradeAgainstTutor(&m_tutor), -1);
+  ASSERT_EQ(pronounced.Analyze(count, samples.data()), 0);
+  EXPECT_GT(pronounced.GradeAgainstTutor(&m_tutor), 0);
+}
+
 TEST_F(GradedAudioTest, TutorWithoutAnythingIsReadAsNothing) {
   AnalyzedAudio empty(kLanguageEnglish);
   EXPECT_GE(m_learner.GradeAgainstTutor(&empty), 0);

@@ -201,6 +201,25 @@ TEST(Classifiers, FrameScoresHaveAFloorAndPhonemeScoresHaveNot) {
   }
 }
 
+// Weights that are no numbers do not become a score that no comparison holds for.
+TEST(Classifiers, AFrameScoreThatIsNoNumberIsTheFloor) {
+  const ScratchFolder folder;
+  MessageCapture messages;
+  const std::string path = DenseFile(folder, 1, 3, 'r', std::nan(""), 0.0);
+  DLFrameClassifier frame;
+  DLPhonClassifier phon;
+  ASSERT_EQ(frame.LoadFromFile(path.c_str()), 4);
+  ASSERT_EQ(phon.LoadFromFile(path.c_str()), 4);
+  const std::vector<float> inputs = {1.0F, -2.0F};
+  std::vector<double> outputs(6, 9.0);
+  ASSERT_EQ(phon.ClassifyPhon(inputs.data(), 1, outputs.data(), 3), 0);
+  ASSERT_TRUE(std::isnan(outputs[0]));
+  EXPECT_EQ(frame.ClassifyFrame(inputs.data(), 1, outputs.data(), 3), 0);
+  EXPECT_THAT(outputs, ElementsAre(1e-6, 1e-6, 1e-6, 9, 9, 9));
+  EXPECT_EQ(frame.ClassifyFrames(inputs.data(), 2, 1, outputs.data(), 3), 0);
+  EXPECT_THAT(outputs, testing::Each(1e-6));
+}
+
 TEST(Classifiers, SizesThatDoNotFitAreReportedAndGoneOnWith) {
   const ScratchFolder folder;
   MessageCapture messages;

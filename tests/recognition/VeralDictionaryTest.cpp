@@ -238,6 +238,25 @@ TEST_F(VeralDictionaryTest, InlinePronunciationThatIsMalformedIsSilent) {
             "Error, empty pronunciation in VeralDictionary::ReadAPronunEntry()\n");
 }
 
+TEST_F(VeralDictionaryTest, APronunciationIsReadIntoItsSlot) {
+  m_messages.Clear();
+  std::vector<OwnedWordEntry::Variant> entry(2);
+  const std::string_view line = "HEIGHT 1 ? 2 10 0 2 hYtR";
+  EXPECT_EQ(m_english->ReadAPronunEntry(line, 8, entry, 1), 0);
+  EXPECT_EQ(entry[1].phonemes, "hAIt3");  // Y is two phonemes
+  EXPECT_EQ(entry[1].syllable_marks, (std::vector<std::int32_t>{1, 0}));
+  EXPECT_EQ(entry[1].syllable_starts, (std::vector<std::int32_t>{0, 3}));
+  EXPECT_EQ(entry[0].phonemes, "");
+  EXPECT_EQ(m_english->ReadAPronunEntry(line, 0, entry, 1), -1);  // from the word on it is none
+  EXPECT_EQ(entry[1].phonemes, "");
+  for (const int slot : {-1, 2}) EXPECT_EQ(m_english->ReadAPronunEntry(line, 8, entry, slot), -1);
+  EXPECT_EQ(m_english->ReadAPronunEntry(line, 1000, entry, 0), -1);
+  EXPECT_EQ(m_messages.All(), "");
+  EXPECT_EQ(m_english->ReadAPronunEntry("? 1 1 0", 0, entry, 0), -1);
+  EXPECT_EQ(m_messages.All(),
+            "Error, empty pronunciation in VeralDictionary::ReadAPronunEntry()\n");
+}
+
 TEST_F(VeralDictionaryTest, InlinePronunciationIsCutAt255Characters) {
   // "? 1 1 0 " takes 8 of them.
   const std::wstring token = L"|1 1 ? 1 1 0 " + std::wstring(300, L'a') + L"|word";

@@ -80,13 +80,27 @@ TEST(WaveformContour, LargestPointIsNinetyPercentOfFullScale) {
   }
 }
 
+// Where the product is all but whole, one bit of the scale decides: 50 x 29490.3 / 105 is 14043,
+// but the quotient lies below 280.86 once it is rounded to single precision.
+TEST(WaveformContour, TheScaleIsRoundedOnce) {
+  Samples samples(100, 0);
+  samples[0] = 105;
+  samples[1] = -50;
+  samples[2] = 100;
+  const auto points = WaveformContour(samples, 0, 100);
+  EXPECT_EQ(points[0], 29490);
+  EXPECT_EQ(points[1], 14042);
+  EXPECT_EQ(points[2], 28085);
+  EXPECT_EQ(points[3], 0);
+}
+
 TEST(WaveformContour, ShortUtteranceReadsOneSampleAPoint) {
   Samples samples(400, 0);
   for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<std::int16_t>(i);
   const auto points = WaveformContour(samples, 200, 250);  // reads 200..299
   EXPECT_EQ(points, WaveformContour(samples, 200, 200));
   EXPECT_EQ(points, WaveformContour(samples, 200, 399));
-  EXPECT_EQ(points[0], static_cast<int>(200.0F * (29490.3F / 299.0F)));
+  EXPECT_EQ(points[0], 19725);  // 200 x 29490.3 / 299 = 19725.95
   EXPECT_EQ(points[99], 29490);
   EXPECT_EQ(points, WaveformContour(samples, 200, 100));  // backwards: span 1
 }

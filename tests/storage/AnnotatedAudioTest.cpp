@@ -155,6 +155,18 @@ TEST(AnnotatedAudio, FreshObjectsAndIndicesOutside) {
   }
 }
 
+TEST(AnnotatedAudio, PhonemesAreAPlainString) {
+  LoadSmallEngine();
+  AnnotatedAudio audio;
+  char* phonemes = audio.GetPhonemes();
+  EXPECT_STREQ(phonemes, "");
+  const auto samples = ChainRecording("en_learner");
+  ASSERT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), 0);
+  phonemes = audio.GetPhonemes();
+  EXPECT_EQ(static_cast<int>(std::string(phonemes).size()), audio.GetNumOfPhonemes());
+  EXPECT_STREQ(std::as_const(audio).GetPhonemes(), phonemes);
+}
+
 TEST(AnnotatedAudio, CopiesKeepWhatTheyHave) {
   LoadSmallEngine();
   const auto first = ChainRecording("en_learner");

@@ -247,6 +247,7 @@ TEST(RecordRoundTrip, GradingAgainstAnyBytes) {
     record[4] &= 127;
     record[6] &= 63;
     record[8] &= 63;
+    for (std::size_t i = 0; i < 64; ++i) record[1036 + 4 * i + 3] &= 0xBF;  // finite intensities
     HLYFile file;
     file.SetHLYVersion(5);
     file.SetAlignInfo(record.data(), static_cast<int>(kSize));

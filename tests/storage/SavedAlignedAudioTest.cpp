@@ -303,6 +303,30 @@ TEST_F(SavedAlignedAudioTest, CountsThatNoRecordHasAreRefused) {
   }
 }
 
+TEST_F(SavedAlignedAudioTest, AnIntensityThatIsNoFiniteNumberIsRefused) {
+  using Limits = std::numeric_limits<float>;
+  AlignInfo info;
+  info.num_samples = 1234;
+  info.num_syllables = 3;
+  info.syllable_intensity = {1.0F, -2.0F, Limits::max()};
+  info.syllable_intensity[3] = Limits::infinity();  // no syllable's
+  SavedAlignedAudio audio(kLanguageEnglish);
+  ASSERT_EQ(Load(audio, info), 0);
+  EXPECT_EQ(m_messages.All(), "");
+  info.num_samples = 99;
+  for (const float bad : {Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN()}) {
+    m_messages.Clear();
+    info.syllable_intensity[2] = bad;
+    EXPECT_EQ(Load(audio, info), -1) << bad;
+    EXPECT_EQ(
+        m_messages.All(),
+        "AlignedAudio::LoadFromHLY(): Error, damaged align info in HLY file: the intensity of "
+        "syllable 2 is not a finite number.\n");
+    EXPECT_EQ(audio.GetNumOfSamples(), 1234);
+    EXPECT_EQ(audio.GetSyllableIntensity(1), -2.0);
+  }
+}
+
 TEST_F(SavedAlignedAudioTest, APhonemeStringWithoutAnEndEndsWithItsField) {
   AlignInfo info;
   info.num_phonemes = 128;
