@@ -354,7 +354,7 @@ void AddReports(const StagesPointer& stages, std::vector<Operation>& all) {
                        MessageLog::Clear();
                        const int result = report(*work->audio);
                        text->assign(MessageLog::Text());
-                       return MessageLog::TellsOfMemory() ? -1 : result;
+                       return result;
                      };
                      return Trial{act, [text] { return *text; }, {}};
                    }});
@@ -362,14 +362,14 @@ void AddReports(const StagesPointer& stages, std::vector<Operation>& all) {
   add("PrintAlignmentResult", [](GradedAudio& audio) { return audio.PrintAlignmentResult(); });
   add("PrintScores", [](GradedAudio& audio) {
     audio.PrintScores();
-    return 0;
+    return MessageLog::TellsOfMemory() ? -1 : 0;
   });
   auto saved = std::make_shared<SavedAlignedAudio>(stages->material.language);
   HLYFile file = stages->File(stages->record);
   Require(saved->LoadFromHLY(&file) == 0, "no stored tutor");
   add("DumpData", [saved](GradedAudio&) {
     saved->DumpData();
-    return 0;
+    return MessageLog::TellsOfMemory() ? -1 : 0;
   });
   all.push_back(
       {"NoiseReduction", [stages] {
