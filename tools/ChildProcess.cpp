@@ -85,8 +85,8 @@ std::unique_ptr<ChildProcess> ChildProcess::Start(const std::vector<std::string>
   for (std::string& word : copies) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   pid_t id = 0;
-  const int code = posix_spawnp(&id, arguments[0], &setup.actions, &setup.attributes,
-                                arguments.data(), environ);
+  const int code =
+      posix_spawnp(&id, arguments[0], &setup.actions, &setup.attributes, arguments.data(), environ);
   if (code != 0) return fail(code);
   return std::unique_ptr<ChildProcess>(
       new ChildProcess(id, output.TakeReading(), errors.TakeReading(), deadline));
@@ -151,8 +151,8 @@ int ChildProcess::Wait() {
 }
 
 int ChildProcess::MillisecondsLeft() const {
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_deadline -
-                                                                 std::chrono::steady_clock::now());
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(m_deadline - std::chrono::steady_clock::now());
   return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, INT_MAX));
 }
 

@@ -34,14 +34,11 @@ std::uint32_t BigEndian(const char* bytes) {
 }
 
 std::vector<std::string> Words(const FfmpegOptions& options) {
-  return {options.program,
-          "-nostdin", "-hide_banner", "-nostats", "-loglevel", "info",
+  return {options.program, "-nostdin", "-hide_banner", "-nostats", "-loglevel", "info",
           // What is damaged is not to be passed over.
-          "-xerror",
-          "-protocol_whitelist", "file", "-format_whitelist", kContainers,
-          "-i", "file:/dev/stdin",
-          "-map", "0:a:0", "-vn", "-sn", "-dn", "-map_metadata", "-1",
-          "-c:a", "pcm_f32be", "-f", "au", "pipe:1"};
+          "-xerror", "-protocol_whitelist", "file", "-format_whitelist", kContainers, "-i",
+          "file:/dev/stdin", "-map", "0:a:0", "-vn", "-sn", "-dn", "-map_metadata", "-1", "-c:a",
+          "pcm_f32be", "-f", "au", "pipe:1"};
 }
 
 // The length that ffmpeg read in the container: "  Duration: 00:00:03.40, start: ...". Nothing
@@ -77,7 +74,8 @@ std::string Reason(const ChildProcess& child) {
     last.erase(0, kName.size());
   }
   if (last.size() > 200) last.resize(200);
-  std::ranges::replace_if(last, [](char c) { return c < ' ' || c > '~'; }, '?');
+  std::ranges::replace_if(
+      last, [](char c) { return c < ' ' || c > '~'; }, '?');
   return last.empty() ? "ffmpeg failed" : "ffmpeg: " + last;
 }
 
@@ -131,7 +129,8 @@ std::string FfmpegKind(const InputFile& file) {
   const std::string_view second = std::string_view(head).substr(4, 4);
   const std::array atoms = {"ftyp"sv, "moov"sv, "mdat"sv, "wide"sv, "free"sv, "skip"sv};
   // The length of the first part stands before its name.
-  if (head[0] == '\0' && std::ranges::find(atoms, second) != atoms.end()) return "MPEG-4 (m4a, mp4)";
+  if (head[0] == '\0' && std::ranges::find(atoms, second) != atoms.end())
+    return "MPEG-4 (m4a, mp4)";
   if (head.starts_with("\x1A\x45\xDF\xA3")) return "WebM or Matroska";
   if (head.starts_with("\x30\x26\xB2\x75\x8E\x66\xCF\x11")) return "Windows Media (wma)";
   if (head.starts_with("#!AMR")) return "AMR";
@@ -146,9 +145,10 @@ OpenedDecoder OpenFfmpeg(const InputFile& file, const std::string& kind,
   auto child = ChildProcess::Start(Words(options), file.Descriptor(),
                                    std::chrono::steady_clock::now() + options.time_limit, error);
   if (!child && error.empty()) {
-    return {nullptr, "looks like " + kind + ", which takes the program ffmpeg to read, and there is none; "
-                     "install it, or convert the recording where there is one: "
-                     "ffmpeg -i RECORDING recording.wav"};
+    return {nullptr, "looks like " + kind +
+                         ", which takes the program ffmpeg to read, and there is none; "
+                         "install it, or convert the recording where there is one: "
+                         "ffmpeg -i RECORDING recording.wav"};
   }
   if (!child) return {nullptr, "looks like " + kind + ", and ffmpeg cannot be started: " + error};
   // The head of an AU file, then the length that it announces of notes.

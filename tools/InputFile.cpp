@@ -72,7 +72,8 @@ Result<InputFile> InputFile::Open(const std::filesystem::path& path) {
   file.m_file = is_standard_input ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
                                   : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
   if (file.m_file < 0) {
-    return Failure::Failure(errno == ENOENT ? "does not exist" : "cannot be opened: " + ErrorText());
+    return Failure::Failure(errno == ENOENT ? "does not exist"
+                                            : "cannot be opened: " + ErrorText());
   }
   struct stat status {};
   if (fstat(file.m_file, &status) != 0) return Failure::Failure("cannot be read: " + ErrorText());

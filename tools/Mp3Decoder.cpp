@@ -108,7 +108,8 @@ OpenedDecoder OpenMp3(const InputFile& file) {
       mpg123_getformat(mp3, &rate, &channels, &encoding) != MPG123_OK) {
     return failure(mpg123_strerror(mp3));
   }
-  if (encoding != MPG123_ENC_FLOAT_32) return failure("the decoder gives no floating point numbers");
+  if (encoding != MPG123_ENC_FLOAT_32)
+    return failure("the decoder gives no floating point numbers");
   return {std::make_unique<Mp3Decoder>(file, std::move(reader), std::move(handle),
                                        static_cast<int>(rate), channels),
           ""};

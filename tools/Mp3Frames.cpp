@@ -13,7 +13,7 @@
 namespace veral3::tools {
 namespace {
 
-constexpr std::uint64_t kId3v1Bytes = 128;  // at the very end of a file
+constexpr std::uint64_t kId3v1Bytes = 128;   // at the very end of a file
 constexpr std::uint64_t kStrayBytes = 4096;  // behind the last frame that are taken for padding
 
 // [kbit/s] by version (1; 2 and 2.5), layer and the code in the frame's head.

@@ -99,8 +99,8 @@ class Pages {
 
   std::map<int, Stream> m_streams;  // by serial number
   bool m_is_chain = false;          // a stream begins where all others have ended
-  int m_rate = 0;     // of the first stream of sound; 0: none of a known kind
-  int m_sound = 0;    // its serial number
+  int m_rate = 0;                   // of the first stream of sound; 0: none of a known kind
+  int m_sound = 0;                  // its serial number
   std::int64_t m_granule = 0;
   std::optional<std::int64_t> m_damage;  // the granule position before the first one
 };

@@ -22,8 +22,7 @@ Identity IdentityOf(const std::string& path, int standard) {
   Identity identity;
   struct stat status {};
   const bool is_standard = path == "-";
-  const bool is_there =
-      (is_standard ? fstat(standard, &status) : stat(path.c_str(), &status)) == 0;
+  const bool is_there = (is_standard ? fstat(standard, &status) : stat(path.c_str(), &status)) == 0;
   // Nobody's data are in a device: /dev/null takes and gives what it is asked to.
   if (is_there && S_ISCHR(status.st_mode)) return identity;
   identity.is_stream = is_there && !S_ISREG(status.st_mode);

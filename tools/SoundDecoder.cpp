@@ -82,8 +82,9 @@ OpenedDecoder OpenSound(const InputFile& file, bool& unsupported) {
   unsupported = !sound && error.unsupported;
   if (!sound) return {nullptr, "cannot be read as audio: " + error.reason};
   if (info.channels < 1) return {nullptr, "has no channels"};
-  return {std::make_unique<SoundDecoder>(std::move(view), std::move(length), std::move(sound), info),
-          ""};
+  return {
+      std::make_unique<SoundDecoder>(std::move(view), std::move(length), std::move(sound), info),
+      ""};
 }
 
 }  // namespace veral3::tools

@@ -70,8 +70,9 @@ bool AreChunks(const InputFile& file, std::uint64_t place, Order order) {
   int count = 0;
   while (place < file.Size()) {
     const std::string head = file.Bytes(place, 8);
-    const bool is_name = head.size() == 8 && std::all_of(head.begin(), head.begin() + 4,
-                                                         [](char c) { return c >= ' ' && c <= '~'; });
+    const bool is_name =
+        head.size() == 8 &&
+        std::all_of(head.begin(), head.begin() + 4, [](char c) { return c >= ' ' && c <= '~'; });
     if (!is_name || ++count > kMaxChunks) return false;
     const std::uint64_t size = Number(std::string_view(head).substr(4), order);
     if (size > file.Size() - place - 8) return false;
@@ -100,9 +101,8 @@ void ReadWave(const InputFile& file, Order order, SoundLength& length) {
     if (size != 0 && size < std::uint64_t{1} << 63) Announce(file, data.content, size, length);
     return;
   }
-  const bool is_open = data.size == 0
-                           ? present > 0 && !AreChunks(file, data.content, order)
-                           : data.size >= kUnknownFrom && data.size > present;
+  const bool is_open = data.size == 0 ? present > 0 && !AreChunks(file, data.content, order)
+                                      : data.size >= kUnknownFrom && data.size > present;
   if (!is_open) {
     if (data.size > 0) Announce(file, data.content, data.size, length);
     return;

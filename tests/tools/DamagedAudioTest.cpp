@@ -12,7 +12,6 @@ namespace veral3::tools {
 namespace {
 
 using test::WriteSoundFile;
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
@@ -94,13 +93,14 @@ TEST_F(DamagedAudio, CutFilesSayWhatIsMissing) {
   }
   const std::string flac = Bytes(kFlac16);
   for (const std::size_t part : {2u, 3u, 10u}) {
-    EXPECT_THAT(ErrorOf(flac.substr(0, flac.size() / part)),
-                MatchesRegex("can be read for [0-2]\\.[0-9]+ s of 3\\.00 s: what follows is damaged "
-                             "or missing"));
+    EXPECT_THAT(
+        ErrorOf(flac.substr(0, flac.size() / part)),
+        MatchesRegex("can be read for [0-2]\\.[0-9]+ s of 3\\.00 s: what follows is damaged "
+                     "or missing"));
   }
   EXPECT_THAT(ErrorOf(flac.substr(0, flac.size() - 1)), StartsWith("can be read for 2."));
-  for (const auto& [format, rate] : {std::pair{kVorbis, 22050},
-                                     std::pair{SF_FORMAT_OGG | SF_FORMAT_OPUS, 24000}}) {
+  for (const auto& [format, rate] :
+       {std::pair{kVorbis, 22050}, std::pair{SF_FORMAT_OGG | SF_FORMAT_OPUS, 24000}}) {
     const std::string ogg = Bytes(format, rate);
     EXPECT_THAT(ErrorOf(ogg.substr(0, ogg.size() * 3 / 4)),
                 MatchesRegex("ends after [0-2]\\.[0-9]+ s without the mark of its end: the rest is "
@@ -128,15 +128,15 @@ TEST_F(DamagedAudio, OverwrittenFilesSayWhere) {
     // Taken out of the middle.
     std::string shorter = bytes;
     shorter.erase(bytes.size() / 2, bytes.size() / 5);
-    EXPECT_THAT(ErrorOf(shorter), MatchesRegex("(is damaged after|ends after|can be read for) [012]\\.[0-9]+ s.*"))
+    EXPECT_THAT(ErrorOf(shorter),
+                MatchesRegex("(is damaged after|ends after|can be read for) [012]\\.[0-9]+ s.*"))
         << std::hex << format;
   }
 }
 
 TEST_F(DamagedAudio, OneWrongBitIsEnough) {
-  for (const auto& [format, rate] :
-       {std::pair{kFlac16, 22050}, std::pair{kVorbis, 22050},
-        std::pair{SF_FORMAT_OGG | SF_FORMAT_OPUS, 24000}}) {
+  for (const auto& [format, rate] : {std::pair{kFlac16, 22050}, std::pair{kVorbis, 22050},
+                                     std::pair{SF_FORMAT_OGG | SF_FORMAT_OPUS, 24000}}) {
     std::string bytes = Bytes(format, rate);
     bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
     EXPECT_THAT(ErrorOf(bytes), HasSubstr("damaged")) << std::hex << format;
@@ -154,8 +154,8 @@ TEST_F(DamagedAudio, WavesOfNoLengthLastToTheEnd) {
   const auto whole = Read(wave);
   ASSERT_TRUE(whole) << whole.Error();
   for (const std::uint32_t length : {0u, 0x7FFFF000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
-    for (const std::uint32_t riff : {0u, 8u, 0x7FFFF024u, 0xFFFFFFFFu, length,
-                                     static_cast<std::uint32_t>(wave.size() - 8)}) {
+    for (const std::uint32_t riff :
+         {0u, 8u, 0x7FFFF024u, 0xFFFFFFFFu, length, static_cast<std::uint32_t>(wave.size() - 8)}) {
       std::string bytes = wave;
       bytes.replace(4, 4, Number(riff));
       bytes.replace(40, 4, Number(length));

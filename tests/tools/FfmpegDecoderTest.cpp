@@ -17,10 +17,8 @@
 namespace veral3::tools {
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
-using testing::Not;
 using testing::StartsWith;
 using veral3::test::ReadFile;
 using veral3::test::WriteFile;
@@ -47,8 +45,8 @@ class Ffmpeg : public testing::Test {
   }
 
   // A program of the name of ffmpeg.
-  FfmpegOptions Fake(const std::string& script, std::chrono::milliseconds limit =
-                                                    std::chrono::minutes(5)) const {
+  FfmpegOptions Fake(const std::string& script,
+                     std::chrono::milliseconds limit = std::chrono::minutes(5)) const {
     WriteFile(Path("fake"), "#!/bin/sh\n" + script + "\n");
     EXPECT_EQ(chmod(Path("fake").c_str(), 0700), 0);
     return {Path("fake"), limit};
@@ -63,7 +61,9 @@ class Ffmpeg : public testing::Test {
 
   // Something that looks like an MPEG-4 file.
   void WriteBoxes(const std::string& name) const {
-    WriteFile(Path(name), std::string("\0\0\0\x18" "ftypM4A \0\0\0\0M4A mp42", 24) +
+    WriteFile(Path(name), std::string("\0\0\0\x18"
+                                      "ftypM4A \0\0\0\0M4A mp42",
+                                      24) +
                               std::string(4096, 'x'));
   }
 
@@ -77,8 +77,7 @@ TEST_F(Ffmpeg, ReadsWhatTelephonesAndBrowsersMake) {
         std::pair{"a.webm", Options{"-c:a", "libopus"}},
         std::pair{"a.mka", Options{"-c:a", "libvorbis"}},
         std::pair{"a.wma", Options{"-c:a", "wmav2"}}, std::pair{"a.aac", Options{"-c:a", "aac"}},
-        std::pair{"stream.mp4",
-                  Options{"-c:a", "aac", "-movflags", "frag_keyframe+empty_moov"}}}) {
+        std::pair{"stream.mp4", Options{"-c:a", "aac", "-movflags", "frag_keyframe+empty_moov"}}}) {
     Encode(name, options);
     const auto recording = ReadAudioFile(Path(name));
     ASSERT_TRUE(recording) << name << ": " << recording.Error();
@@ -142,7 +141,8 @@ TEST_F(Ffmpeg, WithoutItTheRemedyIsNamed) {
             "none; install it, or convert the recording where there is one: "
             "ffmpeg -i RECORDING recording.wav");
   WriteFile(Path("fake"), "#!/bin/sh\n");
-  EXPECT_THAT(ErrorOf("a.m4a", {Path("fake"), std::chrono::minutes(1)}), HasSubstr("there is none"));
+  EXPECT_THAT(ErrorOf("a.m4a", {Path("fake"), std::chrono::minutes(1)}),
+              HasSubstr("there is none"));
 }
 
 TEST_F(Ffmpeg, OneThatHangsIsStopped) {

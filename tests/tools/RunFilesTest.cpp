@@ -45,9 +45,9 @@ TEST_F(RunFiles, AnInputIsFoundByEveryNameOfIt) {
 TEST_F(RunFiles, TwoResultsAreNotOneFile) {
   std::filesystem::create_directory_symlink(".", Path("here"));
   for (const char* name : {"new", "./new", "here/new", "none/../new"}) {
-    EXPECT_EQ(RunFilesProblem({}, {{"the result", Path("new")}, {"the page", Path(name)}}),
-              "the result " + Path("new") + " and the page " + Path(name) +
-                  " would be the same file");
+    EXPECT_EQ(
+        RunFilesProblem({}, {{"the result", Path("new")}, {"the page", Path(name)}}),
+        "the result " + Path("new") + " and the page " + Path(name) + " would be the same file");
   }
   EXPECT_EQ(RunFilesProblem({}, {{"the result", Path("none/x")}, {"the page", Path("none/y")}}),
             "");

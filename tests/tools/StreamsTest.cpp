@@ -1,5 +1,5 @@
-// The command as a process: what it reads from pipes, what it does when nothing more can be written,
-// when a signal ends it, and when a result would take the place of something that is read.
+// The command as a process: what it reads from pipes, what it does when nothing more can be
+// written, when a signal ends it, and when a result would take the place of something that is read.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -84,9 +84,9 @@ TEST_F(Streams, StandardInputAndPipesAreRecordings) {
 TEST_F(Streams, TutorsComeThroughPipesToo) {
   WriteWav("tutor.wav", veral3::test::NoiseBursts(3 * 22050, 9));
   const auto tutor = [&](const std::string& file) {
-    return std::vector<std::string>{"tutor",       "--lang", "en",     "--resources", Path("res"),
-                                    "--text",      "apple",  "--date", "2026-11-21",  file,
-                                    "-o",          Path("t.wav")};
+    return std::vector<std::string>{"tutor",      "--lang", "en",    "--resources",
+                                    Path("res"),  "--text", "apple", "--date",
+                                    "2026-11-21", file,     "-o",    Path("t.wav")};
   };
   const ProcessResult from_file = RunVeral3(tutor(Path("tutor.wav")));
   ASSERT_EQ(from_file.status, 0) << from_file.err;
@@ -141,9 +141,9 @@ TEST_F(Streams, AFullDiskIsNoticed) {
 TEST_F(Streams, ClosedStreamsStayClosed) {
   const auto run = [&](const std::string& words) {
     std::string error;
-    const auto child = ChildProcess::Start(
-        {"/bin/sh", "-c", std::string(VERAL3_COMMAND) + " " + words}, -1,
-        std::chrono::steady_clock::now() + std::chrono::minutes(5), error);
+    const auto child =
+        ChildProcess::Start({"/bin/sh", "-c", std::string(VERAL3_COMMAND) + " " + words}, -1,
+                            std::chrono::steady_clock::now() + std::chrono::minutes(5), error);
     return child ? child->Wait() : -1;
   };
   const std::string align = "align --lang en --resources " + Path("res") + " --text apple ";
@@ -187,7 +187,10 @@ class SearchPath {
 };
 
 // The head of an MPEG-4 file.
-const std::string kBoxes = std::string("\0\0\0\x18" "ftypM4A \0\0\0\0M4A mp42", 24);
+const std::string kBoxes = std::string(
+    "\0\0\0\x18"
+    "ftypM4A \0\0\0\0M4A mp42",
+    24);
 
 TEST_F(Streams, WithoutFfmpegTheRemedyIsNamed) {
   WriteFile(Path("a.m4a"), kBoxes);
@@ -275,7 +278,8 @@ TEST_F(Streams, NoResultTakesThePlaceOfAnInput) {
       {"align", "--list", Path("list.tsv"), "--output", a},
       {"analyze", "--text-file", Path("text.txt"), "--output", Path("text.txt"), a},
       {"annotate", "--output", Path("link.wav"), b, a},
-      {"grade", "--text", "apple", "--tutor", Path("tutor.txt"), "--output", Path("link.wav"), b, a},
+      {"grade", "--text", "apple", "--tutor", Path("tutor.txt"), "--output", Path("link.wav"), b,
+       a},
       {"grade", "--text-file", Path("text.txt"), "--tutor", b, "--report", Path("text.txt"), a},
       {"grade", "--list", Path("list.tsv"), "--tutor", b, "--report", Path("list.tsv")},
       {"grade", "--text", "apple", "--tutor", b, "--report", Path("out/b.txt"), a},
@@ -307,8 +311,8 @@ TEST_F(Streams, TextFilesHaveALimit) {
     EXPECT_THAT(result.err, HasSubstr("/dev/zero is larger than 16 MiB"));
     EXPECT_LT(result.max_resident_kb, 200 * 1024);
   }
-  const ProcessResult check = RunVeral3({"check-text", "--lang", "en", "--resources", Path("res"),
-                                         "--text-file", "/dev/zero"});
+  const ProcessResult check = RunVeral3(
+      {"check-text", "--lang", "en", "--resources", Path("res"), "--text-file", "/dev/zero"});
   EXPECT_EQ(check.status, 2);
   EXPECT_THAT(check.err, HasSubstr("/dev/zero: is larger than 16 MiB"));
 }
