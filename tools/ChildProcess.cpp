@@ -38,6 +38,20 @@ struct Pipe {
   std::array<int, 2> ends{};
 };
 
+// Keeps signals from this thread for as long as the object lives.
+struct HeldSignals {
+  HeldSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &old);
+  }
+  ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &old, nullptr); }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+
+  sigset_t old;
+};
+
 // How a child is to be set up.
 struct Setup {
   Setup() {
@@ -77,8 +91,12 @@ std::unique_ptr<ChildProcess> ChildProcess::Start(const std::vector<std::string>
   posix_spawn_file_actions_adddup2(&setup.actions, output.ends[1], STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&setup.actions, errors.ends[1], STDERR_FILENO);
   // A group of its own, so that what it starts in its turn can be ended with it.
-  posix_spawnattr_setflags(&setup.attributes, POSIX_SPAWN_SETPGROUP);
+  posix_spawnattr_setflags(&setup.attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
   posix_spawnattr_setpgroup(&setup.attributes, 0);
+
+  // A signal waits until the program is known to its handler.
+  const HeldSignals held;
+  posix_spawnattr_setsigmask(&setup.attributes, &held.old);
 
   std::vector<std::string> copies = words;
   std::vector<char*> arguments;

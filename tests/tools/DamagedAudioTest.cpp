@@ -12,7 +12,6 @@ namespace veral3::tools {
 namespace {
 
 using test::WriteSoundFile;
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;

@@ -17,10 +17,8 @@
 namespace veral3::tools {
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
-using testing::Not;
 using testing::StartsWith;
 using veral3::test::ReadFile;
 using veral3::test::WriteFile;
