@@ -52,8 +52,7 @@ std::string InWords(std::string_view line) {
            ", the most that a tutor file holds";
   }
   if (IsOf(kMissingWord, line)) {
-    return WithShortened(line, kMissingWord.before.size(),
-                         line.size() - kMissingWord.after.size());
+    return WithShortened(line, kMissingWord.before.size(), line.size() - kMissingWord.after.size());
   }
   if (IsOf(kBadPronunciation, line)) {
     constexpr std::string_view kWord = " of word [";

@@ -30,7 +30,8 @@ std::vector<ScoreHint> HintsOf(const RecordingSigns& signs) {
   const bool levels_hold = signs.clipped_share < kLevelsHoldUpToClipped;
   const bool noisy = levels_hold && IsNoisy(levels.range_db);
   if (noisy) {
-    hints.push_back({"noise", "noise: loud speech is only " + Fixed(std::max(levels.range_db, 0.0), 0) +
+    hints.push_back({"noise", "noise: loud speech is only " +
+                                  Fixed(std::max(levels.range_db, 0.0), 0) +
                                   " dB above the softest parts of the recording"});
   }
   if (IsClipped(signs.clipped_share)) {

@@ -58,8 +58,9 @@ struct RecordingSigns {
 
 // A hint with the numbers that it rests on.
 struct ScoreHint {
-  std::string reason;  // "noise", "clipping", "cut_start", "cut_end", "other_sentence", "more_sound"
-  std::string text;    // in words, ASCII
+  std::string
+      reason;        // "noise", "clipping", "cut_start", "cut_end", "other_sentence", "more_sound"
+  std::string text;  // in words, ASCII
 };
 
 // All that the numbers tell, in the order above. From this share of clipped samples on levels say

@@ -39,14 +39,14 @@ TEST(EngineWords, MissingWordsAreShortenedAndCounted) {
                 "\u2026> not found in VeralDictionary::LookupWord()");
   std::string twelve;
   for (int i = 0; i < 12; ++i) {
-    twelve += "*** Error: Word <W" + std::to_string(i) +
-              "> not found in VeralDictionary::LookupWord()\n";
+    twelve +=
+        "*** Error: Word <W" + std::to_string(i) + "> not found in VeralDictionary::LookupWord()\n";
   }
   const std::string lines = LinesInWords(twelve + "Error! nNumPitchSegments==0\n");
   EXPECT_THAT(lines, HasSubstr("<W9>"));
   EXPECT_THAT(lines, Not(HasSubstr("<W10>")));
-  EXPECT_THAT(lines, testing::EndsWith(
-                         "no voice was found\nand 2 more words that the dictionary lacks\n"));
+  EXPECT_THAT(
+      lines, testing::EndsWith("no voice was found\nand 2 more words that the dictionary lacks\n"));
   EXPECT_EQ(LinesInWords(""), "");
 }
 
@@ -71,8 +71,7 @@ int LeastFramesTried(LanguageType language, const std::string& sentence) {
   for (int frames = 1; frames < 400; ++frames) {
     AnalyzedAudio audio(language);
     EXPECT_GT(audio.AddPossibleSentence(CString(sentence)), 0) << sentence;
-    std::vector<std::int16_t> samples =
-        veral3::test::NoiseBursts(551 + 220 * (frames - 1), 3);
+    std::vector<std::int16_t> samples = veral3::test::NoiseBursts(551 + 220 * (frames - 1), 3);
     if (audio.Align(static_cast<std::uint32_t>(samples.size()), samples.data()) >= 0) return frames;
   }
   return -1;
@@ -80,8 +79,8 @@ int LeastFramesTried(LanguageType language, const std::string& sentence) {
 
 TEST(ShortestReading, IsWhatTheEngineAligns) {
   veral3::test::LoadSmallEngine();
-  for (const std::string sentence : {"a", "apple", "I read the cat", "hello",
-                                     "|1 1 ? 1 1 0 hYt|zyx a", "an apple and a dog"}) {
+  for (const std::string sentence :
+       {"a", "apple", "I read the cat", "hello", "|1 1 ? 1 1 0 hYt|zyx a", "an apple and a dog"}) {
     const auto least = LeastFramesOfSentence(sentence, kLanguageEnglish);
     ASSERT_TRUE(least) << sentence;
     EXPECT_EQ(*least, LeastFramesTried(kLanguageEnglish, sentence)) << sentence;
@@ -198,9 +197,9 @@ TEST_F(FailuresInWords, LimitsAreNamedAndNoBookIsEchoed) {
   const ProcessResult tutor =
       Run("tutor", "en", {"--text", book, Path("a.wav"), "-o", Path("o.wav")});
   EXPECT_EQ(tutor.status, 2);
-  EXPECT_THAT(tutor.err, HasSubstr("the text of --text is too long: " +
-                                   std::to_string(book.size()) +
-                                   " bytes, of which a tutor file holds at most 16384\n"));
+  EXPECT_THAT(tutor.err,
+              HasSubstr("the text of --text is too long: " + std::to_string(book.size()) +
+                        " bytes, of which a tutor file holds at most 16384\n"));
 }
 
 TEST_F(FailuresInWords, ATutorsSentenceIsShortened) {

@@ -28,8 +28,8 @@ using Values = std::vector<double>;  // -1 to 1
 
 constexpr std::size_t kRate = 22050;
 const std::filesystem::path kExamples = std::filesystem::path(VERAL3_SOURCE_DIR) / "examples/audio";
-const std::filesystem::path kSense = std::filesystem::path(VERAL3_SOURCE_DIR) /
-                                     "tests/vectors/sense";
+const std::filesystem::path kSense =
+    std::filesystem::path(VERAL3_SOURCE_DIR) / "tests/vectors/sense";
 
 Values Load(const std::filesystem::path& path) {
   const Result<Recording> recording = ReadAudioFile(path);
@@ -91,7 +91,7 @@ class LoweredScores : public testing::Test {
   std::vector<std::string> Arguments(const std::string& language, const std::string& text,
                                      const std::string& tutor, const Values& learner) const {
     test::WriteSoundFile(Path("learner.wav"), learner, kRate, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    return {"grade",   "--lang", language,   "--text",           text,
+    return {"grade",   "--lang", language,   "--text",          text,
             "--tutor", tutor,    "--report", Path("page.html"), Path("learner.wav")};
   }
 
@@ -110,10 +110,10 @@ class LoweredScores : public testing::Test {
     const ProcessResult result = test::RunVeral3(arguments);
     EXPECT_EQ(result.status, 0) << result.err;
     const json value = json::parse(result.out);
-    EXPECT_EQ(test::SchemaError(value, json::parse(ReadFile(
-                                           std::filesystem::path(VERAL3_SOURCE_DIR) /
-                                           "docs/formats/grade.schema.json"))),
-              "");
+    EXPECT_EQ(
+        test::SchemaError(value, json::parse(ReadFile(std::filesystem::path(VERAL3_SOURCE_DIR) /
+                                                      "docs/formats/grade.schema.json"))),
+        "");
     const double p = value["goodness_probability"];
     EXPECT_NEAR(value["lowered_to"].get<double>(), 1.0 / (1.0 - std::log(p)), 1e-9);
     return value;
@@ -138,9 +138,8 @@ TEST_F(LoweredScores, ACleanReadingSaysNothing) {
   EXPECT_GE(grade["lowered_to"], 0.9);
   EXPECT_EQ(grade["reasons"], json::array());
   EXPECT_THAT(ReadFile(Path("page.html")), Not(HasSubstr("owered to")));
-  const ProcessResult table =
-      test::RunVeral3(Arguments("en", TextOf("english-train"), kExamples / "english-train.wav",
-                                Example("english-train")));
+  const ProcessResult table = test::RunVeral3(Arguments(
+      "en", TextOf("english-train"), kExamples / "english-train.wav", Example("english-train")));
   EXPECT_THAT(table.out, Not(HasSubstr("lowered")));
 }
 
@@ -165,24 +164,24 @@ TEST_F(LoweredScores, Clipping) {
   const double all = 100.0 * static_cast<double>(full) / static_cast<double>(clipped.size());
   EXPECT_LT(percent, all);
   EXPECT_GT(percent, 0.9 * all);  // but for runs of one and two
-  EXPECT_EQ(ReasonsOf(Grade("chinese-tutor", Clipped(Example("chinese-tutor"), 30.0))),
-            "clipping");
+  EXPECT_EQ(ReasonsOf(Grade("chinese-tutor", Clipped(Example("chinese-tutor"), 30.0))), "clipping");
 }
 
 TEST_F(LoweredScores, AnotherSentence) {
   const json grade = Grade("english-weather", Example("english-train"));
   EXPECT_EQ(ReasonsOf(grade), "other_sentence");
   int unlike = 0;
-  for (const json& phoneme : grade["phonemes"]) unlike += phoneme["symbol"] != phoneme["sounds_like"];
-  EXPECT_EQ(grade["reasons"][0]["text"],
-            "another sentence: " + std::to_string(unlike) + " of " +
-                std::to_string(grade["phonemes"].size()) + " sounds are unlike the sentence's");
+  for (const json& phoneme : grade["phonemes"])
+    unlike += phoneme["symbol"] != phoneme["sounds_like"];
+  EXPECT_EQ(grade["reasons"][0]["text"], "another sentence: " + std::to_string(unlike) + " of " +
+                                             std::to_string(grade["phonemes"].size()) +
+                                             " sounds are unlike the sentence's");
   const json readings = json::parse(ReadFile(kSense / "readings.json"));
   // By language: the sentence of the second recording and what is read in the first one.
   for (const std::string language : {"zh", "ja"}) {
     const std::string text = std::ranges::find_if(readings, [&](const json& reading) {
-      return reading["readings"]["tutor"] == language + "2_tutor.flac";
-    })->at("text");
+                               return reading["readings"]["tutor"] == language + "2_tutor.flac";
+                             })->at("text");
     EXPECT_EQ(ReasonsOf(Grade(language, text, kSense / (language + "2_tutor.flac"),
                               Load(kSense / (language + "1_tutor.flac")))),
               "other_sentence");
@@ -215,7 +214,8 @@ TEST_F(LoweredScores, MoreThanTheSentence) {
 TEST_F(LoweredScores, EveryFormSaysSo) {
   const Values noisy = Noisy(Example("english-train"), 0.0);
   const json grade = Grade("english-train", noisy);
-  const std::string percent = std::to_string(std::lround(100.0 * grade["lowered_to"].get<double>()));
+  const std::string percent =
+      std::to_string(std::lround(100.0 * grade["lowered_to"].get<double>()));
   const std::string told =
       "cores lowered to " + percent + " %: this may not be a reading of the sentence";
   const std::string reason = grade["reasons"][0]["text"];
@@ -237,18 +237,21 @@ TEST_F(LoweredScores, EveryFormSaysSo) {
 TEST_F(LoweredScores, OfThePronunciationAloneItIsTheTotal) {
   test::WriteSoundFile(Path("learner.wav"), Noisy(Example("english-train"), -6.0), kRate, 1,
                        SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-  std::vector<std::string> arguments = {
-      "grade", "--lang", "en", "--pronunciation-only", "--text", TextOf("english-train"),
-      Path("learner.wav")};
+  std::vector<std::string> arguments = {"grade",
+                                        "--lang",
+                                        "en",
+                                        "--pronunciation-only",
+                                        "--text",
+                                        TextOf("english-train"),
+                                        Path("learner.wav")};
   const ProcessResult table = test::RunVeral3(arguments);
   EXPECT_THAT(table.out, MatchesRegex("(.|\n)*\ntotal lowered to [0-9]+ %: this may not be a "
                                       "reading of the sentence\n  noise: (.|\n)*"));
   arguments.insert(arguments.end(), {"--format", "json"});
   const json grade = json::parse(test::RunVeral3(arguments).out);
   EXPECT_EQ(grade["lowered_to"], grade["goodness_probability"]);
-  EXPECT_EQ(grade["scores"]["total"],
-            static_cast<int>(grade["scores"]["pronunciation"].get<int>() *
-                             grade["lowered_to"].get<double>()));
+  EXPECT_EQ(grade["scores"]["total"], static_cast<int>(grade["scores"]["pronunciation"].get<int>() *
+                                                       grade["lowered_to"].get<double>()));
 }
 
 }  // namespace
