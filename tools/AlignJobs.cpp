@@ -42,8 +42,8 @@ std::string WhyNotAligned(const AlignJob& job, LanguageType language, std::size_
     // Cut off and rounded up, so that the two never look alike.
     const double own = std::floor(1000.0 * Seconds(samples)) / 1000.0;
     const double needed = std::ceil(1000.0 * Seconds(SamplesOfFrames(*least))) / 1000.0;
-    return std::string("too short for ") + what + ": " + Fixed(own, 3) +
-           " s, which takes at least " + Fixed(needed, 3) + " s";
+    return std::string("too short for ") + what + ": " + Fixed(own, 3) + " s, at least " +
+           Fixed(needed, 3) + " s are needed";
   }
   return messages.OneLine();
 }

@@ -12,7 +12,7 @@ namespace {
 // ---- what the samples tell ----
 
 TEST(ClippedShare, CountsRunsAtTheExtremes) {
-  // 10 of 20 samples lie in runs of three and more within a hundredth of highest or lowest value.
+  // 11 of 20 samples lie in runs of three and more within a hundredth of highest or lowest value.
   const std::vector<std::int16_t> samples = {0,     10000, 10000, 9950, 9900,  0,     -8000,
                                              -8000, -7990, -7999, 0,    10000, 10000, 0,
                                              -8000, 0,     9901,  9999, 10000, -1};
