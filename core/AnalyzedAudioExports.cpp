@@ -7,6 +7,7 @@
 #include "core/AnalysisChecks.h"
 #include "core/AnalysisState.h"
 #include "core/AnalyzedAudio.h"
+#include "core/ModelScorers.h"
 #include "core/TrainingExports.h"
 #include "recognition/FrameExport.h"
 
@@ -81,7 +82,7 @@ int AnalyzedAudio::GetAlignInfo(unsigned char* buffer) {
 int AnalyzedAudio::PrintAlignmentResult() {
   return veral3::Guarded("AnalyzedAudio", "PrintAlignmentResult", [&] {
     if (!HoldsAlignment(State(), "PrintAlignmentResult")) return -1;
-    GetProbOfGoodAlignment();  // reports what is missing for it
+    veral3::ProbabilityOfGoodAlignment(*State());  // reports what is missing for it
     veral3::PrintAlignment(*this, veral3::PronunciationOf(State()).phonemes.sounds_like,
                            veral3::GoodnessOf(State()).good_syllable);
     return 0;
