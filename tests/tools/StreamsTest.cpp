@@ -154,12 +154,31 @@ TEST_F(Streams, ClosedStreamsStayClosed) {
   EXPECT_EQ(run("--version >&-"), 1);
 }
 
+// What a signal does to this process, and to what it starts, for as long as the object lives: a
+// test may itself be started with signals ignored, as by nohup.
+class OnSignal {
+ public:
+  OnSignal(int signal, void (*handler)(int)) : m_signal(signal) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigaction(signal, &action, &m_old);
+  }
+  ~OnSignal() { sigaction(m_signal, &m_old, nullptr); }
+  OnSignal(const OnSignal&) = delete;
+  OnSignal& operator=(const OnSignal&) = delete;
+
+ private:
+  int m_signal;
+  struct sigaction m_old {};
+};
+
 // The command waits for its recording, a pipe that nobody writes to, with its result begun.
 TEST_F(Streams, ASignalLeavesNothingHalfWritten) {
   std::filesystem::create_directory(Path("out"));
   WriteFile(Path("out/a.txt"), "old");
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const OnSignal usual(signal, SIG_DFL);
     const pid_t process = test::StartVeral3(
         Align({"--text", "apple", "--output", Path("out/a.txt"), Path("pipe")}), {});
     while (FilesIn("out") < 2) std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -207,6 +226,7 @@ TEST_F(Streams, ASignalEndsFfmpegToo) {
   ASSERT_EQ(chmod(Path("bin/ffmpeg").c_str(), 0700), 0);
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
   const SearchPath fake(Path("bin") + ":" + getenv("PATH"));
+  const OnSignal usual(SIGTERM, SIG_DFL);
   const pid_t process = test::StartVeral3(Align({"--text", "apple", Path("a.m4a")}), {});
   // Opens when the program runs, ends when nobody is left of it.
   const int pipe = open(Path("pipe").c_str(), O_RDONLY);
@@ -221,13 +241,9 @@ TEST_F(Streams, ASignalEndsFfmpegToo) {
 TEST_F(Streams, SignalsThatTheCallerIgnoresStayIgnored) {
   std::filesystem::create_directory(Path("out"));
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
-  struct sigaction ignore {};
-  struct sigaction old {};
-  ignore.sa_handler = SIG_IGN;
-  sigaction(SIGHUP, &ignore, &old);
+  const OnSignal ignored(SIGHUP, SIG_IGN);
   const pid_t process = test::StartVeral3(
       Align({"--text", "apple", "--output", Path("out/a.txt"), Path("pipe")}), {});
-  sigaction(SIGHUP, &old, nullptr);
   while (FilesIn("out") < 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   ASSERT_EQ(kill(process, SIGHUP), 0);
   WriteFile(Path("pipe"), ReadFile(Path("a.wav")));
