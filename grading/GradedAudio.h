@@ -21,9 +21,10 @@ struct GradedResult;
 //     }
 //   }
 //
-// Scores are whole numbers from 0 to 100. An index out of range, and a score that no grading has
-// made, reads 0. Grading again replaces the scores. A copy reads the same scores as its source and
-// keeps them whatever becomes of it.
+// Scores are whole numbers from 0 to 100 (as long as the goodness model's outputs are
+// probabilities; veral3::CheckModelFile sees to that). An index out of range, and a score that no
+// grading has made, reads 0. Grading again replaces the scores. A copy reads the same scores as its
+// source and keeps them whatever becomes of it.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
