@@ -38,14 +38,18 @@ class VERAL3_API GradedAudio : public AnalyzedAudio {
   ~GradedAudio();
 
   // Grades against a tutor's reading of the same sentence. Returns the total score; 0 with a
-  // message when the tutor speaks another language; -1 when the pronunciation can't be graded (no
-  // syllables, or one that the language does not know), silently; -1 with a message without a
-  // tutor, before Analyze, or after ReleaseMemory. A tutor that was not analysed, or has other
-  // counts than the learner, is read as far as it goes; what it lacks counts as 0.
+  // message when the tutor speaks another language; -1 with a message without a tutor, before
+  // Analyze, after ReleaseMemory, or when memory runs out; -1 silently when the pronunciation can't
+  // be graded: without syllables, or with one of consonants that the language has none of. The
+  // total and the pronunciation are then those of the grading before. A tutor that was not
+  // analysed, or has other counts than the learner, is read as far as it goes; what it lacks counts
+  // as 0.
   int GradeAgainstTutor(AlignedAudio* tutor);
 
-  // Grades the pronunciation alone, after Analyze or AnalyzePronunOnly. Returns the total. The
-  // other components then hold 100 without having been measured.
+  // Grades the pronunciation alone, after Analyze or AnalyzePronunOnly. Returns the total; -1 with
+  // a message before them or when memory runs out. A pronunciation that can't be graded counts as
+  // the grading before had it, 0 in a fresh object. The other components then hold 100 without
+  // having been measured.
   int GradePronunOnly();
 
   int GetTotalScore();

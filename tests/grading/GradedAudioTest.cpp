@@ -196,6 +196,18 @@ TEST_F(GradedAudioTest, AGradingThatWouldEndTheProcessLeavesTheScoresOfTheOneBef
   EXPECT_EQ(Scores(m_learner), scores);
 }
 
+TEST_F(GradedAudioTest, WithoutSyllablesThePronunciationCannotBeGraded) {
+  GradedAudio learner(kLanguageEnglish);
+  AlignAndAnalyse(learner, L"", "en_learner");
+  ASSERT_EQ(learner.GetNumOfSyllables(), 0);
+  m_messages.Clear();
+  EXPECT_EQ(learner.GradeAgainstTutor(&m_tutor), -1);
+  EXPECT_EQ(learner.GetTotalScore(), 0);
+  EXPECT_EQ(learner.GradePronunOnly(), 0);
+  EXPECT_EQ(learner.GetPitchScore(), 100);
+  EXPECT_EQ(m_messages.All(), "");
+}
+
 TEST_F(GradedAudioTest, ReportHasItsLines) {
   ASSERT_GE(m_learner.GradeAgainstTutor(&m_tutor), 0);
   m_messages.Clear();
