@@ -38,8 +38,8 @@ VERAL3_API void SetMessageHandler(MessageHandler handler);
 // The engine ends the process, by std::exit and after a message, in two cases only:
 //
 // - A layer of a model has an activation code that no layer knows: status -1, at the first
-//   alignment or analysis that evaluates the layer. Such a model loads. Model files that the
-//   application did not make itself are to be checked before they are loaded.
+//   alignment, analysis, grading or annotation that evaluates the layer. Such a model loads;
+//   veral3::CheckModelFile (recognition/CheckModelFile.h) finds it before.
 // - The front end cannot go on: its own working memory cannot be had (status 5105, of which the
 //   system keeps the low 8 bits). This takes a process that is out of memory;
 //   whatever else fails to be allocated is a message and a negative answer.

@@ -54,12 +54,13 @@ class VERAL3_API AlignedAudio {
   virtual int GetSyllableStartPosition(int syl) = 0;
   virtual int GetWordStartPosition(int word) = 0;
 
-  // [Hz] The highest of the syllable's frames, 65 to 460; 0 where none is voiced.
+  // [Hz] The highest of the syllable's frames, 75 to 450; 0 where none is voiced.
   virtual int GetSyllablePitch(int syl) = 0;
 
-  // Probability of a tone for a syllable, 0 to 1. `tone`: 1 to 4, and 0 for the neutral tone, which
-  // is 5 in GetSyllableToneOrStress. All 0 for a syllable that was not classified (its voice is
-  // broken in more than two pieces, or no model is loaded) and in other languages than Chinese.
+  // Probability of a tone for a syllable, 0 to 1 where the model gives probabilities. `tone`: 1 to
+  // 4, and 0 for the neutral tone, which is 5 in GetSyllableToneOrStress. All 0 for a syllable that
+  // was not classified (its voice is broken in more than two pieces, or no model is loaded) and in
+  // other languages than Chinese.
   virtual double GetSylToneProb(int syl, int tone) = 0;
 
   // The syllable's tone (Chinese, 1 to 4, and 5 for the neutral tone) or stress (English, 0 none, 1
@@ -70,7 +71,7 @@ class VERAL3_API AlignedAudio {
   virtual int GetSyllableDuration(int syl) = 0;  // [samples]
 
   // Energy of the syllable's loudest frame: the sum of its 551 squared samples, each from -32768 to
-  // 32767; 0 to 5.9e11. Not in dB.
+  // 32767; 0 to 5.92e11. Not in dB.
   virtual double GetSyllableIntensity(int syl) = 0;
 
   virtual int GetUttNumOfPitchSegments() = 0;  // voiced stretches of the whole recording

@@ -62,26 +62,29 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   static void LoadResourceInFolderPath(const char* folder);
 
   // Loads one network (docs/formats/model.md) in the place of the one of its type. Returns its
-  // version as the file has it; -1 with a message when the file can't be used, after which there is
-  // no model of that type, or while an analysis runs, which changes nothing. A type that names no
-  // model comes back as it is, and nothing is loaded. Takes files that must not be used, whose
-  // layers are unknown or fit another language: call veral3::CheckModelFile
-  // (recognition/CheckModelFile.h) first.
+  // version as the file has it; -1 with a message when the file can't be read as one, after which
+  // there is no model of that type, and without a path or while an analysis runs, which changes
+  // nothing. A type that names no model comes back as it is, and nothing is loaded. Takes files
+  // that must not be used: call veral3::CheckModelFile (recognition/CheckModelFile.h) first, since
+  // the first use of a model with an activation code that there is none of ends the process.
   static int LoadModelFile(const char* path, ModelFileType type);
 
   // Adds a candidate sentence. Returns the number of sentences so far (1 to 8); -1 when there are
   // 8 already; -101 for a text that begins with a bar and a blank, -200 and -300 for a bad inline
   // pronunciation or an unknown inline segment, -400 for bad inline digits, -500 for more than 256
   // words; -1 also when memory runs out. A word that the dictionary lacks is reported and passed
-  // over. Silent are -101, -300, an inline pronunciation (-200) that is malformed behind a good
-  // beginning, and inline digits (-400) without the blank that they begin with.
+  // over. Whether what is read is too long for the aligner, too, shows in Align. Silent are -101,
+  // -300, an inline pronunciation (-200) that is malformed behind a good beginning, and inline
+  // digits (-400) without the blank that they begin with.
   int AddPossibleSentence(CString sentence);
 
   // Finds the sentence that was read and where each of its phonemes lies. The samples are
   // high-pass filtered in place (80 Hz) before anything is checked. Returns the index of the
-  // sentence, in the order added, or a negative number; the results of an earlier alignment are
-  // gone either way, unless the object is of no language or the samples are none at all (null, or
-  // more than 2^31 - 1): that changes nothing.
+  // sentence, in the order added, or a negative number: without a sentence or a frame model, for
+  // fewer than 551 samples or a recording too short for its sentence, and when the reading found
+  // has more than 512 phonemes or 512 syllables (a sentence has at most 256 words). The results of
+  // an earlier alignment are gone either way, unless the object is of no language or the samples
+  // are none at all (null, or more than 2^31 - 1): that changes nothing.
   int Align(std::uint32_t num_samples, std::int16_t* samples);
 
   // The same against the sentences of `tutor`, which any number of learners may use at once. The
@@ -136,6 +139,7 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   int MarkBadSyllablesPronunOnly();
 
   // Natural logarithm of the best path's probability, plus the 1.0 that every path begins with.
+  // A failed alignment may leave that of its best path.
   double GetLogProbOfAlign();
 
   int GetMatchedSentenceIndex();  // 0-based; -1 while nothing is aligned
@@ -153,7 +157,8 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // What each phoneme sounds like by the phoneme classifier: always GetNumOfPhonemes() + 1
   // characters, one symbol a phoneme and the closing zero, all zero where no phoneme model told
   // them. Owned by the object, valid until its next alignment or analysis. And the symbol's part of
-  // the sum of the phoneme's values, 0 to 1.
+  // the sum of the phoneme's values, 0 to 1; where all values are 0, the part that the analysis
+  // before told for that index.
   const char* GetSoundsLikePhonemes();
   double GetSoundsLikePhonProb(int phon);
 
@@ -174,9 +179,9 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   double GetSpeechUttEnergyRatio();
 
   // Mean power of speech / mean power of what lies around it, not in dB: 0 or above; 0 until
-  // computed, and where the surroundings are silent or missing. Computed once an alignment, from
-  // the samples that were aligned, by the analysis or here; then `samples` are not looked at again.
-  // 0 with a message when nothing is aligned.
+  // computed, and where the surroundings are silent or missing. Computed from the samples that were
+  // aligned, by the analysis or here; once it is above 0, `samples` are not looked at again until
+  // the next alignment. 0 with a message when nothing is aligned.
   double CalculateSignalNoiseRatio(const std::int16_t* samples);
   double GetSignalNoiseRatio();
 

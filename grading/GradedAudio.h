@@ -21,9 +21,10 @@ struct GradedResult;
 //     }
 //   }
 //
-// Scores are whole numbers from 0 to 100. An index out of range, and a score that no grading has
-// made, reads 0. Grading again replaces the scores. A copy reads the same scores as its source and
-// keeps them whatever becomes of it.
+// Scores are whole numbers from 0 to 100 (as long as the goodness model's outputs are
+// probabilities; veral3::CheckModelFile sees to that). An index out of range, and a score that no
+// grading has made, reads 0. Grading again replaces the scores. A copy reads the same scores as its
+// source and keeps them whatever becomes of it.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
@@ -37,14 +38,18 @@ class VERAL3_API GradedAudio : public AnalyzedAudio {
   ~GradedAudio();
 
   // Grades against a tutor's reading of the same sentence. Returns the total score; 0 with a
-  // message when the tutor speaks another language; -1 when the pronunciation can't be graded (no
-  // syllables, or one that the language does not know), silently; -1 with a message without a
-  // tutor, before Analyze, or after ReleaseMemory. A tutor that was not analysed, or has other
-  // counts than the learner, is read as far as it goes; what it lacks counts as 0.
+  // message when the tutor speaks another language; -1 with a message without a tutor, before
+  // Analyze, after ReleaseMemory, or when memory runs out; -1 silently when the pronunciation can't
+  // be graded: without syllables, or with one of consonants that the language has none of. The
+  // total and the pronunciation are then those of the grading before. A tutor that was not
+  // analysed, or has other counts than the learner, is read as far as it goes; what it lacks counts
+  // as 0.
   int GradeAgainstTutor(AlignedAudio* tutor);
 
-  // Grades the pronunciation alone, after Analyze or AnalyzePronunOnly. Returns the total. The
-  // other components then hold 100 without having been measured.
+  // Grades the pronunciation alone, after Analyze or AnalyzePronunOnly. Returns the total; -1 with
+  // a message before them or when memory runs out. A pronunciation that can't be graded counts as
+  // the grading before had it, 0 in a fresh object. The other components then hold 100 without
+  // having been measured.
   int GradePronunOnly();
 
   int GetTotalScore();

@@ -64,7 +64,7 @@ struct AnalysisReport {
   int pitch_segments = 0;                      // voiced stretches of the utterance
   std::optional<double> goodness_probability;  // 0 to 1; empty without a goodness model
   std::optional<double> signal_to_noise_db;   // [dB] of powers; empty where noise or speech is none
-  std::optional<double> speech_energy_ratio;  // 0 to 1 and above, see docs/command.md
+  std::optional<double> speech_energy_ratio;  // 0 to 1
   std::vector<WordMeasures> words;            // one for each of the alignment's
   std::vector<SyllableMeasures> syllables;
   std::vector<PhonemeMeasures> phonemes;

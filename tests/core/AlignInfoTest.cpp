@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -74,6 +75,35 @@ TEST(AlignInfo, Vectors) {
       ASSERT_EQ(record[i], written[i] == 1 ? expected[i] : 0) << "byte " << i;
     }
   }
+}
+
+// What docs/formats/alignment-record.md shows.
+TEST(AlignInfo, TheDocumentedExample) {
+  RecordingArrays arrays;
+  arrays.num_samples = 5000;
+  arrays.phonemes = "ma";
+  arrays.start = {440, 1100};
+  arrays.end = {1100, 1980};
+  arrays.syllable_start = {0};
+  arrays.syllable_pitch = {0};
+  arrays.syllable_duration = {1540};
+  arrays.syllable_mark = {0};
+  arrays.syllable_intensity = {0.0};
+  arrays.tone_prob = {{}};
+  arrays.word_start = {0};
+  arrays.pitch_segments = 1;
+  const Bytes record = RecordOf(kLanguageJapanese, arrays);
+  const auto starts_with = [&](std::size_t offset, const Bytes& bytes) {
+    EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(),
+                           record.begin() + static_cast<std::ptrdiff_t>(offset)))
+        << offset;
+  };
+  starts_with(0, {0x88, 0x13, 0, 0});
+  starts_with(4, {2, 0, 1, 0, 1, 0, 1, 0});
+  starts_with(12, {0x6D, 0x61, 0});
+  starts_with(140, {2, 0, 5, 0, 0});
+  starts_with(396, {5, 0, 9, 0, 0});
+  starts_with(908, {0x04, 0x06});
 }
 
 TEST(AlignInfo, TimesAreWholeFrames) {

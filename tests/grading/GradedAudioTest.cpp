@@ -12,6 +12,7 @@
 
 #include "support/MessageCapture.h"
 #include "support/SmallEngine.h"
+#include "support/UndefinedActivation.h"
 #include "support/Vectors.h"
 
 namespace veral3 {
@@ -174,6 +175,37 @@ TEST_F(GradedAudioTest, PronunciationAloneThenFull) {
   AlignAndAnalyse(full, L"I READ THE CAT", "en_learner");
   EXPECT_EQ(m_learner.GradeAgainstTutor(&m_tutor), full.GradeAgainstTutor(&m_tutor));
   EXPECT_EQ(Scores(m_learner), Scores(full));
+}
+
+// What would end the process becomes a refusal where an application's handler throws.
+TEST_F(GradedAudioTest, AGradingThatWouldEndTheProcessLeavesTheScoresOfTheOneBefore) {
+  const int total = m_learner.GradeAgainstTutor(&m_tutor);
+  ASSERT_GT(total, 0);
+  const auto scores = Scores(m_learner);
+  const test::EndProcessTrap trap;
+  {
+    const test::UndefinedActivation model(kUttGoodnessModel);
+    m_messages.Clear();
+    EXPECT_EQ(m_learner.GradeAgainstTutor(&m_tutor), -1);
+    EXPECT_EQ(m_messages.All(), std::string(test::kUndefinedActivation) +
+                                    "ERROR in GradedAudio::GradeAgainstTutor(), unknown error\n");
+    EXPECT_EQ(m_learner.GradePronunOnly(), -1);
+    EXPECT_EQ(Scores(m_learner), scores);
+  }
+  EXPECT_EQ(m_learner.GradeAgainstTutor(&m_tutor), total);
+  EXPECT_EQ(Scores(m_learner), scores);
+}
+
+TEST_F(GradedAudioTest, WithoutSyllablesThePronunciationCannotBeGraded) {
+  GradedAudio learner(kLanguageEnglish);
+  AlignAndAnalyse(learner, L"", "en_learner");
+  ASSERT_EQ(learner.GetNumOfSyllables(), 0);
+  m_messages.Clear();
+  EXPECT_EQ(learner.GradeAgainstTutor(&m_tutor), -1);
+  EXPECT_EQ(learner.GetTotalScore(), 0);
+  EXPECT_EQ(learner.GradePronunOnly(), 0);
+  EXPECT_EQ(learner.GetPitchScore(), 100);
+  EXPECT_EQ(m_messages.All(), "");
 }
 
 TEST_F(GradedAudioTest, ReportHasItsLines) {

@@ -62,7 +62,10 @@ TEST(Models, TypesThatNameNoModelComeBack) {
 
 TEST(Models, NoPath) {
   MessageCapture messages;
+  ASSERT_GE(LoadModelFile(Model("good").c_str(), kUttGoodnessModel), 0);
+  messages.Clear();
   EXPECT_EQ(LoadModelFile(nullptr, kUttGoodnessModel), -1);
+  EXPECT_TRUE(GoodnessClassifier().IsLoaded());
   EXPECT_EQ(messages.StandardError(), "ERROR in AnalyzedAudio::LoadModelFile(), no path given.\n");
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
@@ -80,6 +81,35 @@ TEST_F(VeralDictionaryTest, AFolderIsNoFile) {
   const VeralDictionary dictionary("/");
   EXPECT_EQ(dictionary.GetWordCount(), 0);
   EXPECT_TRUE(m_messages.All().starts_with("Error: Fail to open Veral Dictionary </>\n"));
+}
+
+// A third of 4 GiB and more counts as not opening; nothing of it is read.
+TEST_F(VeralDictionaryTest, AFileBeyondAThirdOfFourGigabytesIsNone) {
+  test::WriteFile(Path(), "VERAL 3 EN_KEP5 1\nA 1 ? 1 0 0 @\n");
+  std::filesystem::resize_file(Path(), 0xFFFFFFFFu / 3 + 1);
+  m_messages.Clear();
+  EXPECT_EQ(VeralDictionary(Path().c_str()).GetWordCount(), 0);
+  EXPECT_TRUE(m_messages.All().starts_with("Error: Fail to open Veral Dictionary <"));
+}
+
+TEST_F(VeralDictionaryTest, TheDocumentedFile) {
+  const std::string document =
+      test::ReadFile(std::filesystem::path(VERAL3_SOURCE_DIR) / "docs/formats/dictionary.md");
+  const std::size_t begin = document.find("```\n") + 4;
+  const auto dictionary = Make(document.substr(begin, document.find("```", begin) - begin));
+  ASSERT_EQ(dictionary->GetWordCount(), 2);
+  const auto a = dictionary->EntryAt(0);
+  EXPECT_EQ(a->Entry().word, L"A");
+  ASSERT_EQ(a->Entry().pronunciations.size(), 2u);
+  EXPECT_EQ(a->Entry().pronunciations[0].phonemes, "@");
+  EXPECT_EQ(a->Entry().pronunciations[1].phonemes, "EI");
+  const auto writer = dictionary->EntryAt(1);
+  EXPECT_EQ(writer->Entry().word, L"WRITER");
+  ASSERT_EQ(writer->Entry().pronunciations.size(), 1u);
+  const Pronunciation& only = writer->Entry().pronunciations[0];
+  EXPECT_EQ(only.phonemes, "rAIt3");
+  EXPECT_EQ(std::vector(only.syllable_starts.begin(), only.syllable_starts.end()),
+            (std::vector<std::int32_t>{0, 3}));
 }
 
 TEST_F(VeralDictionaryTest, EntriesComeInFileOrder) {

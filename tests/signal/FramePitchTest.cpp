@@ -302,6 +302,22 @@ TEST(TwoRuns, AWideRangeWithoutGapNeedsOne) {
   EXPECT_GT(highest, 290.0);
 }
 
+// From 75 to 450 Hz, also where the period is longer or shorter: what is voiced lies within.
+TEST(FramePitch, LiesWithinTheWidestRange) {
+  int lowest = 1000, highest = 0;
+  for (double hertz = 20.0; hertz < 2000.0; hertz *= 1.01) {
+    for (const int frame : FramePitch(Tone(6615, hertz, 20000.0))) {
+      if (frame == 0) continue;
+      lowest = std::min(lowest, frame);
+      highest = std::max(highest, frame);
+    }
+  }
+  EXPECT_GE(lowest, 75);
+  EXPECT_LT(lowest, 80);
+  EXPECT_LE(highest, 450);
+  EXPECT_GT(highest, 440);
+}
+
 TEST(FramePitch, LongRecordings) {
   auto samples = Tone(30 * 22050, 150.0, 8000.0);
   const std::vector<int> frames = FramePitch(samples);

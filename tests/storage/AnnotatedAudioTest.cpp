@@ -16,6 +16,7 @@
 #include "storage/FrameSegments.h"
 #include "support/MessageCapture.h"
 #include "support/SmallEngine.h"
+#include "support/UndefinedActivation.h"
 #include "support/Vectors.h"
 
 namespace veral3::test {
@@ -222,6 +223,26 @@ TEST(AnnotatedAudio, MoreThan4096SegmentsEndWithTheLast) {
   EXPECT_EQ(audio.GetPhonemeStartSample(5000), audio.GetPhonemeStartSample(4095));
   EXPECT_EQ(audio.GetPhonemeEndSample(5000), audio.GetPhonemeEndSample(4095));
   ASSERT_GE(LoadModelFile(VectorPath("models/frame_en.bin").c_str(), kFrameModelEnglish), 0);
+}
+
+// What would end the process becomes a refusal where an application's handler throws.
+TEST(AnnotatedAudio, WhatWouldEndTheProcessIsRefused) {
+  LoadSmallEngine();
+  const auto samples = ChainRecording("en_learner");
+  const Labelled expected = Annotated(samples, kLanguageEnglish);
+  const EndProcessTrap trap;
+  MessageCapture messages;
+  AnnotatedAudio audio;
+  {
+    const UndefinedActivation model(kFrameModelEnglish);
+    messages.Clear();
+    EXPECT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), -1);
+    EXPECT_EQ(messages.All(), std::string(kUndefinedActivation) +
+                                  "ERROR in AnnotatedAudio::LoadAndAnnotate(), unknown error\n");
+    EXPECT_EQ(audio.GetNumOfPhonemes(), 0);
+  }
+  EXPECT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), 0);
+  EXPECT_EQ(Read(audio), expected);
 }
 
 // Also run under ThreadSanitizer.

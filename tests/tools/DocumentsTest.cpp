@@ -3,10 +3,14 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "Process.h"
 #include "SampleReport.h"
 #include "support/Vectors.h"
 #include "tools/AlignmentFormats.h"
@@ -146,6 +150,110 @@ TEST_F(Documents, TheManualShowsWhatTheFormatsAre) {
     }
     EXPECT_GT(compared, 0) << name;
   }
+}
+
+// Every document of the source tree, as paths within it.
+std::vector<std::filesystem::path> AllDocuments() {
+  std::vector<std::filesystem::path> documents = {"resources/MANIFEST"};
+  for (const char* folder : {".", "docs", "docs/formats", "training", "examples/audio"}) {
+    for (const auto& entry : std::filesystem::directory_iterator(kSource / folder)) {
+      if (entry.path().extension() == ".md") {
+        documents.push_back(std::filesystem::relative(entry.path(), kSource));
+      }
+    }
+  }
+  return documents;
+}
+
+std::vector<std::smatch> MatchesIn(const std::string& text, const std::regex& pattern) {
+  const std::sregex_iterator first(text.begin(), text.end(), pattern);
+  return std::vector<std::smatch>(first, std::sregex_iterator());
+}
+
+// What a link's # names, of every heading.
+std::set<std::string> AnchorsOf(const std::string& document) {
+  std::set<std::string> anchors;
+  for (const std::string& line : LinesOf(document)) {
+    if (!line.starts_with('#')) continue;
+    std::string anchor;
+    for (const char c : line.substr(line.find_first_not_of("# "))) {
+      if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-') {
+        anchor += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      } else if (c == ' ') {
+        anchor += '-';
+      }
+    }
+    anchors.insert(anchor);
+  }
+  return anchors;
+}
+
+TEST_F(Documents, LinksLeadSomewhere) {
+  const std::regex link_of_markdown(R"(\]\(([^)#\s]*)(#([^)\s]+))?\))");
+  int links = 0;
+  for (const std::filesystem::path& document : AllDocuments()) {
+    const std::string text = ReadFile(kSource / document);
+    for (const std::smatch& link : MatchesIn(text, link_of_markdown)) {
+      if (link.str(1).starts_with("http")) continue;
+      const std::filesystem::path target =
+          kSource / (link.str(1).empty() ? document : document.parent_path() / link.str(1));
+      EXPECT_TRUE(std::filesystem::exists(target)) << document << ": " << link.str();
+      if (link[3].matched && std::filesystem::exists(target)) {
+        EXPECT_TRUE(AnchorsOf(ReadFile(target)).contains(link.str(3)))
+            << document << ": " << link.str();
+      }
+      ++links;
+    }
+  }
+  EXPECT_GE(links, 15);
+}
+
+// Paths that begin with a folder of the tree; a part in capitals stands for any name, and what the
+// training makes is not there before.
+TEST_F(Documents, NamedFilesAreThere) {
+  const std::regex path(
+      "(^|[^\\w/"
+      ".-])((benchmarks|cmake|common|core|docs|examples|fuzz|grading|recognition|resources|"
+      "scripts|signal|storage|tests|tools|training)/[\\w./-]*\\w)");
+  int names = 0;
+  for (const std::filesystem::path& document : AllDocuments()) {
+    const std::string text = ReadFile(kSource / document);
+    for (const std::smatch& match : MatchesIn(text, path)) {
+      const std::string name =
+          std::regex_replace(match.str(2), std::regex("/[A-Z]{4,}(\\.|/|$).*"), "");
+      if (name.starts_with("training/work")) continue;
+      EXPECT_TRUE(std::filesystem::exists(kSource / name)) << document << ": " << match.str(2);
+      ++names;
+    }
+  }
+  EXPECT_GE(names, 60);
+}
+
+TEST_F(Documents, ContributorsAreToldOfEveryPreset) {
+  const std::string text = ReadFile(kSource / "CONTRIBUTING.md");
+  for (const auto& preset :
+       nlohmann::json::parse(ReadFile(kSource / "CMakePresets.json"))["configurePresets"]) {
+    if (preset.value("hidden", false)) continue;
+    EXPECT_THAT(text, HasSubstr("`" + preset["name"].get<std::string>() + "`"));
+  }
+}
+
+TEST_F(Documents, TheManualHasTheOptionsThatThereAre) {
+  const std::regex option("(^|[^-\\w])(--[a-z][a-z-]*)");
+  std::set<std::string> helped;
+  for (const char* command :
+       {"", "align", "analyze", "grade", "annotate", "denoise", "check-text", "tutor", "inspect"}) {
+    std::vector<std::string> arguments = {"--help"};
+    if (*command != '\0') arguments.insert(arguments.begin(), command);
+    const std::string help = test::RunVeral3(arguments).out;
+    // A help that names no options would leave nothing to compare.
+    ASSERT_THAT(help, HasSubstr("--help")) << command;
+    for (const std::smatch& match : MatchesIn(help, option)) helped.insert(match.str(2));
+  }
+  std::set<std::string> shown;
+  const std::string manual = ReadFile(kSource / "docs/command.md");
+  for (const std::smatch& match : MatchesIn(manual, option)) shown.insert(match.str(2));
+  EXPECT_EQ(shown, helped);
 }
 
 }  // namespace
