@@ -145,6 +145,75 @@ TEST(PitchDetector, CandidatesAreLimited) {
   }
 }
 
+// A tone whose loudness swells 100 times a second: the shortest periods of the range are its
+// weakest, and the first found is given up for a better one like any other.
+TEST(PitchDetector, TheFirstCandidateIsGivenUpToo) {
+  std::vector<std::int16_t> samples(2000);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    const double time = static_cast<double>(i) * kPeriod;
+    samples[i] =
+        static_cast<std::int16_t>(5000.0 * (1.0 + std::cos(2.0 * std::numbers::pi * 100.0 * time)) *
+                                  std::sin(2.0 * std::numbers::pi * 3000.0 * time));
+  }
+  CPraAutoCorrPDA::Settings settings;
+  settings.ceiling = 150.0;
+  settings.max_candidates = 3;
+  const auto few = CPraAutoCorrPDA().Analyze(samples, kPeriod, settings);
+  settings.max_candidates = 1000;
+  const auto all = CPraAutoCorrPDA().Analyze(samples, kPeriod, settings);
+  ASSERT_NE(few, nullptr);
+  ASSERT_NE(all, nullptr);
+  for (std::size_t i = 0; i < few->frames.size(); ++i) {
+    const auto voiced = [](const CPraPitchFrame& frame) {
+      std::vector<std::pair<double, double>> found;  // by what they count
+      for (std::size_t k = 1; k < frame.candidates.size(); ++k) {
+        const CPraPitchCandidate& c = frame.candidates[k];
+        if (c.frequency > 0.0) {
+          found.emplace_back(c.strength + 0.01 * std::log2(c.frequency), c.frequency);
+        }
+      }
+      return found;
+    };
+    auto expected = voiced(all->frames[i]);
+    ASSERT_GT(expected.size(), 10U);
+    const double first = std::max_element(expected.begin(), expected.end(), [](auto& a, auto& b) {
+                           return a.second < b.second;
+                         })->second;
+    std::sort(expected.rbegin(), expected.rend());
+    expected.resize(2);
+    EXPECT_NE(expected[0].second, first);
+    EXPECT_NE(expected[1].second, first);
+    auto kept = voiced(few->frames[i]);
+    std::sort(kept.rbegin(), kept.rend());
+    EXPECT_EQ(kept, expected);
+  }
+}
+
+// Where every candidate counts the same, the earlier ones, of the shorter periods, stay.
+TEST(PitchDetector, OfEqualCandidatesTheEarlierStay) {
+  std::vector<std::int16_t> samples(2000);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    samples[i] = static_cast<std::int16_t>(
+        9000.0 * std::sin(2.0 * std::numbers::pi * 4000.0 * static_cast<double>(i) * kPeriod));
+  }
+  CPraAutoCorrPDA::Settings settings;
+  settings.octave_cost = std::numeric_limits<double>::infinity();
+  const auto frequencies = [&](std::int32_t limit) {
+    settings.max_candidates = limit;
+    const auto track = CPraAutoCorrPDA().Analyze(samples, kPeriod, settings);
+    std::vector<double> found;
+    for (const CPraPitchCandidate& candidate : track->frames.at(0).candidates) {
+      if (candidate.frequency > 0.0) found.push_back(candidate.frequency);
+    }
+    std::sort(found.rbegin(), found.rend());
+    return found;
+  };
+  std::vector<double> expected = frequencies(1000);
+  ASSERT_GT(expected.size(), 30U);
+  expected.resize(14);
+  EXPECT_EQ(frequencies(15), expected);
+}
+
 TEST(PitchDetector, AWideRangeRaisesTheNumberOfCandidates) {
   const auto track = Detect(Buzz(5000, 200.0), 75.0, 3000.0);
   ASSERT_NE(track, nullptr);
@@ -175,6 +244,70 @@ TEST(PitchDetector, SilenceHasFramesButNoVoice) {
     EXPECT_EQ(frame.CandidateCount(), 1);
     EXPECT_EQ(frame.Frequency(), 0.0);
     EXPECT_EQ(frame.intensity, 0.0);
+  }
+}
+
+// As loud as the hundredth part of the loudest, a voice is taken for noise: its share of the peak
+// lies below the silence threshold of 0.03. Below a threshold of 0.001 it does not.
+TEST(PitchDetector, ASoftVoiceCountsAboveTheSilenceThreshold) {
+  std::vector<std::int16_t> samples = Buzz(6000, 200.0);
+  for (const std::int16_t sample : Buzz(6000, 200.0)) {
+    samples.push_back(static_cast<std::int16_t>(sample / 100));
+  }
+  CPraAutoCorrPDA::Settings settings;
+  for (const auto& [threshold, hertz] : {std::pair{0.03, 0.0}, {0.001, 200.0}}) {
+    settings.silence_threshold = threshold;
+    const auto track = CPraAutoCorrPDA().Analyze(samples, kPeriod, settings);
+    ASSERT_NE(track, nullptr);
+    int soft = 0;
+    for (std::int32_t i = 1; i <= track->nx; ++i) {
+      const CPraPitchFrame& frame = track->Frame(i);
+      const double centre = (track->x1 + (i - 1) * track->dx) / kPeriod;  // [samples]
+      if (centre < 5700.0) {
+        EXPECT_NEAR(frame.Frequency(), 200.0, 0.5) << i;
+        EXPECT_GT(frame.intensity, 0.9) << i;
+      } else if (centre > 6300.0) {
+        ++soft;
+        EXPECT_NEAR(frame.Frequency(), hertz, 1.0) << i;
+        EXPECT_NEAR(frame.intensity, 0.01, 0.001) << i;
+      }
+    }
+    EXPECT_GT(soft, 20);
+  }
+}
+
+// 200 Hz repeats itself at 100 Hz as well, though less clearly: where jumps cost more than all that
+// this loses, a voice that rises from 100 to 200 Hz is followed an octave too low.
+TEST(PitchDetector, JumpsOfAnOctaveHaveTheirPrice) {
+  std::vector<std::int16_t> samples = Buzz(9000, 100.0);
+  const std::vector<std::int16_t> higher = Buzz(2205, 200.0);
+  samples.insert(samples.end(), higher.begin(), higher.end());
+  CPraAutoCorrPDA::Settings settings;
+  settings.voiced_unvoiced_cost = 10.0;  // no way round by an unvoiced frame
+  for (const auto& [cost, hertz] : {std::pair{10.0, 100.0}, {0.0, 200.0}}) {
+    settings.octave_jump_cost = cost;
+    const auto track = CPraAutoCorrPDA().Analyze(samples, kPeriod, settings);
+    ASSERT_NE(track, nullptr);
+    for (std::int32_t i = 1; i <= track->nx; ++i) {
+      const double centre = (track->x1 + (i - 1) * track->dx) / kPeriod;
+      if (centre < 8700.0) {
+        EXPECT_NEAR(track->Frame(i).Frequency(), 100.0, 0.5) << i;
+      } else if (centre > 9300.0) {
+        EXPECT_NEAR(track->Frame(i).Frequency(), hertz, 0.5) << i;
+      }
+    }
+  }
+}
+
+// Its peak is half a step.
+TEST(PitchDetector, TheSoftestSquareHasAPitch) {
+  std::vector<std::int16_t> samples(5000);
+  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 110 < 55 ? 1 : 0;
+  const auto track = Detect(samples, 75.0, 450.0);
+  ASSERT_NE(track, nullptr);
+  for (const CPraPitchFrame& frame : track->frames) {
+    EXPECT_NEAR(frame.Frequency(), 22050.0 / 110.0, 0.5);
+    EXPECT_GT(frame.intensity, 0.9);
   }
 }
 
@@ -272,6 +405,41 @@ TEST(PitchRangeEstimate, WidthsOfTheGaps) {
   EXPECT_TRUE(EstimateRangeOfSorted(high).gap_found);
   EXPECT_EQ(EstimateRangeOfSorted(high).low, 100.0);
   EXPECT_EQ(EstimateRangeOfSorted(high).high, 185.0);
+}
+
+// Of eight values gaps count before the second and the third, and before the last.
+TEST(PitchRangeEstimate, GapsInTheMiddleDoNotCount) {
+  const std::vector<double> middle = {100, 101, 102, 200, 201, 202, 300, 301};
+  EXPECT_FALSE(EstimateRangeOfSorted(middle).gap_found);
+  EXPECT_EQ(EstimateRangeOfSorted(middle).low, 100.0);
+  EXPECT_EQ(EstimateRangeOfSorted(middle).high, 301.0);
+  const std::vector<double> outer = {100, 101, 200, 201, 202, 203, 204, 300};
+  EXPECT_TRUE(EstimateRangeOfSorted(outer).gap_found);
+  EXPECT_EQ(EstimateRangeOfSorted(outer).low, 200.0);
+  EXPECT_EQ(EstimateRangeOfSorted(outer).high, 204.0);
+  // Of four the first step counts and no upper one, of five the last one too.
+  EXPECT_EQ(EstimateRangeOfSorted(std::vector<double>{100, 200, 201, 300}).low, 200.0);
+  EXPECT_EQ(EstimateRangeOfSorted(std::vector<double>{100, 200, 201, 300}).high, 300.0);
+  EXPECT_EQ(EstimateRangeOfSorted(std::vector<double>{100, 101, 102, 103, 300}).high, 103.0);
+  // Of several gaps the inner one at the bottom and the inner one at the top.
+  const std::vector<double> two = {80, 150, 250, 251, 252, 253, 254, 255, 256, 257, 350, 450};
+  EXPECT_EQ(EstimateRangeOfSorted(two).low, 250.0);
+  EXPECT_EQ(EstimateRangeOfSorted(two).high, 257.0);
+}
+
+TEST(PitchTrack, AcceptsTheLimitsThemselves) {
+  CPraPitch track;
+  track.floor = 75.0;
+  track.ceiling = 450.0;
+  EXPECT_TRUE(track.Accepts(75.0));
+  EXPECT_TRUE(track.Accepts(450.0));
+  EXPECT_FALSE(track.Accepts(74.999));
+  EXPECT_FALSE(track.Accepts(450.001));
+  track.floor = 0.0;
+  EXPECT_TRUE(track.Accepts(0.0));
+  track.floor = -10.0;
+  EXPECT_TRUE(track.Accepts(0.0));
+  EXPECT_FALSE(track.Accepts(-5.0));
 }
 
 TEST(PitchRangeEstimate, Few) {

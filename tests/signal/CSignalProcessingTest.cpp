@@ -86,6 +86,36 @@ TEST(CSignalProcessing, SetUpFillsTheRecord) {
   FrontEnd().ReleaseUtterance();
 }
 
+// A record that was used before keeps nothing.
+TEST(CSignalProcessing, SetUpStartsAnew) {
+  IOConfigRec config;
+  ASSERT_TRUE(FrontEnd().SetUpUtterance(config, 22050, CWaveFrameDef(), {1, 1, 1}));
+  veral3::MemHeap heap;
+  veral3::CreateHeap(heap, "mean", veral3::HeapKind::kMstak, 1, 0.0F, 100, 100);
+  config.mean = veral3::CreateVector(heap, 12);
+  config.curVol = 3.0F;
+  config.simpleDiffs = config.v1Compat = config.doubleFFT = 1;
+  config.addDither = 1.0F;
+  config.usePower = config.saveCompressed = config.saveWithCRC = 0;
+  ASSERT_TRUE(FrontEnd().SetUpUtterance(config, 22050, CWaveFrameDef(), {1, 1, 1}));
+  EXPECT_FALSE(config.mean);
+  EXPECT_EQ(config.curVol, 0.0F);
+  EXPECT_EQ(config.simpleDiffs, 0);
+  EXPECT_EQ(config.v1Compat, 0);
+  EXPECT_EQ(config.doubleFFT, 0);
+  EXPECT_EQ(config.addDither, 0.0F);
+  EXPECT_EQ(config.usePower, 1);
+  EXPECT_EQ(config.saveCompressed, 1);
+  EXPECT_EQ(config.saveWithCRC, 1);
+  EXPECT_EQ(config.loFBankFreq, -1.0F);
+  EXPECT_EQ(config.hiFBankFreq, -1.0F);
+  EXPECT_EQ(config.warpFreq, 1.0F);
+  EXPECT_EQ(config.lpcOrder, 12);
+  EXPECT_EQ(config.compressFact, 0.33F);
+  EXPECT_EQ(config.cepScale, 1.0F);
+  FrontEnd().ReleaseUtterance();
+}
+
 TEST(CSignalProcessing, FrameCountTruncatesTowardZero) {
   const auto vectors = veral3::test::LoadVectorJson("mfcc.json");
   for (const auto& [samples, frames] : vectors["frame_counts"].items()) {
@@ -142,6 +172,53 @@ TEST(CSignalProcessing, StoredMeanTakesThePlaceOfTheUtterances) {
   FrontEnd().ReleaseUtterance();
 }
 
+// The derivatives of the same static columns, however many columns were filled before.
+TEST(CSignalProcessing, DerivativesMayBeAddedAgain) {
+  const auto samples = veral3::test::LoadVector<std::int16_t>("mfcc/noise.s16");
+  const auto plain = Rows(samples, {1, 0, 1});
+  IOConfigRec config;
+  FrontEnd().SetUpUtterance(config, static_cast<int>(samples.size()), CWaveFrameDef(), {1, 0, 1});
+  auto rows = plain;
+  rows.resize(rows.size() + 200);  // room for columns past the last row's
+  for (int round = 0; round < 2; ++round) {
+    FrontEnd().AddDerivatives(config, rows.data());
+    EXPECT_EQ(config.nUsed, 39);
+    EXPECT_TRUE(std::equal(plain.begin(), plain.end(), rows.begin()));
+  }
+  FrontEnd().ReleaseUtterance();
+}
+
+// What the target lacks is not added: of a kind without derivatives the other columns stay.
+TEST(CSignalProcessing, OnlyWhatTheTargetHasIsAdded) {
+  const auto samples = veral3::test::LoadVector<std::int16_t>("mfcc/noise.s16");
+  const auto plain = Rows(samples, {1, 0, 1});
+  for (const auto& [kind, columns] :
+       {std::pair{"MFCC_E_Z", 13}, std::pair{"MFCC_E_D_Z", 26}, std::pair{"MFCC_E", 13}}) {
+    IOConfigRec config;
+    FrontEnd().SetUpUtterance(config, static_cast<int>(samples.size()), CWaveFrameDef(), {1, 0, 1});
+    config.tgtPK = veral3::Str2ParmKind(kind);
+    auto rows = plain;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      if (i % 39 >= 13) rows[i] = 77.0F;
+    }
+    FrontEnd().AddDerivatives(config, rows.data());
+    EXPECT_EQ(config.nUsed, columns) << kind;
+    EXPECT_EQ(config.curPK, config.tgtPK) << kind;
+    const bool zero_mean = (config.tgtPK & veral3::kHasZeroMean) != 0;
+    bool moved = false;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const int column = static_cast<int>(i % 39);
+      if (column < 12) {
+        moved = moved || rows[i] != plain[i];
+      } else {
+        EXPECT_EQ(rows[i], column < columns ? plain[i] : 77.0F) << kind << " " << i;
+      }
+    }
+    EXPECT_EQ(moved, zero_mean) << kind;
+  }
+  FrontEnd().ReleaseUtterance();
+}
+
 TEST(CSignalProcessing, ConversionOfAnotherLengthIsRefused) {
   IOConfigRec config;
   FrontEnd().SetUpUtterance(config, 551, CWaveFrameDef(), {1, 1, 1});
@@ -149,8 +226,10 @@ TEST(CSignalProcessing, ConversionOfAnotherLengthIsRefused) {
   float row[39] = {};
   EXPECT_TRUE(FrontEnd().ConvertFrameSamples(config, samples.data(), row));
   EXPECT_EQ(config.unqPK, 0x46);
+  EXPECT_EQ(config.nUsed, 13);
   config.nCvrt = 12;
   EXPECT_FALSE(FrontEnd().ConvertFrameSamples(config, samples.data(), row));
+  EXPECT_EQ(config.nUsed, 12);  // what was to be converted, not what came
   FrontEnd().ReleaseUtterance();
 }
 

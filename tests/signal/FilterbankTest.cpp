@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 #include <thread>
+#include <tuple>
 
 #include "signal/CSignalProcessing.h"
 #include "signal/FatalErrors.h"
@@ -74,6 +75,16 @@ TEST(Filterbank, CutOffs) {
   EXPECT_EQ(design.khi, 158);  // 3400 x 453e-7 x 1024 + 0.5
   EXPECT_NEAR(design.lower_mel, 1127.0 * std::log(1.0 + 300.0 / 700.0), 1e-9);
   EXPECT_NEAR(design.upper_mel, 1127.0 * std::log(1.0 + 3400.0 / 700.0), 1e-9);
+  // Bins are rounded to the nearest, the lower one a bin further in.
+  for (const auto& [hertz, klo, khi] :
+       {std::tuple{310.0F, 16, 14}, {313.0F, 17, 15}, {312.0F, 16, 14}, {1.0F, 2, 0}}) {
+    options.lo_freq = hertz;  // 310 x 453e-7 x 1024 = 14.38, 312: 14.47, 313: 14.52
+    options.hi_freq = -1.0F;
+    EXPECT_EQ(DesignFilterbank(options).klo, klo) << hertz;
+    options.lo_freq = -1.0F;
+    options.hi_freq = hertz;
+    EXPECT_EQ(DesignFilterbank(options).khi, khi) << hertz;
+  }
   options.lo_freq = 0.0F;
   options.hi_freq = 20000.0F;
   EXPECT_EQ(DesignFilterbank(options).klo, 2);
@@ -82,6 +93,18 @@ TEST(Filterbank, CutOffs) {
   options.hi_freq = 100.0F;
   const FilterbankDesign empty = DesignFilterbank(options);
   EXPECT_EQ(empty.channel_bins.front(), empty.channel_bins.back());
+}
+
+TEST(Filterbank, OptionsThatNobodySets) {
+  const FilterbankOptions options;
+  EXPECT_EQ(options.frame_size, 0);
+  EXPECT_EQ(options.samp_period, 0);
+  EXPECT_EQ(options.num_chans, 0);
+  EXPECT_EQ(options.lo_freq, -1.0F);
+  EXPECT_EQ(options.hi_freq, -1.0F);
+  EXPECT_TRUE(options.use_power);
+  EXPECT_TRUE(options.take_logs);
+  EXPECT_FALSE(options.double_fft);
 }
 
 TEST(Filterbank, TransformLength) {

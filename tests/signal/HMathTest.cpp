@@ -4,10 +4,13 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <ctime>
 #include <limits>
+#include <thread>
 
 #include "signal/CSignalProcessing.h"
 #include "signal/FatalErrors.h"
+#include "signal/HShell.h"
 
 namespace veral3 {
 namespace {
@@ -90,6 +93,38 @@ TEST(HMath, RandomNumbersCoverZeroToOne) {
     differs = differs || other.Next() != u;
   }
   EXPECT_TRUE(differs);
+}
+
+// The time in seconds modulo 257 seeds the threads that come afterwards.
+TEST(HMath, TheTimeSeedsTheRandomNumbers) {
+  const std::time_t before = std::time(nullptr);
+  StartMath();
+  const std::time_t after = std::time(nullptr);
+  float first = -1.0F;
+  std::thread([&first] { first = ThreadRandomSource().Next(); }).join();
+  bool found = false;
+  for (std::time_t second = before; second <= after; ++second) {
+    found = found || RandomSource(static_cast<unsigned>(second % 257)).Next() == first;
+  }
+  EXPECT_TRUE(found);
+}
+
+TEST(HMath, TheStartReadsItsTraceSetting) {
+  AddConfig({"HMATH", "TRACE", 1});
+  StartMath();
+  EXPECT_TRUE(GetConfig("HMATH", false, 1).at(0)->seen);
+  ClearConfig();
+}
+
+// Twenty settings a module, those for every module included.
+TEST(HMath, TooManySettingsEndTheStart) {
+  for (int i = 0; i < 19; ++i) AddConfig({"HMATH", "A", i});
+  AddConfig({{}, "B", 1});
+  StartMath();
+  AddConfig({{}, "C", 1});
+  test::ExpectFatal(5071, "GetConfig: more than 20 for user HMATHwith globals",
+                    [] { StartMath(); });
+  ClearConfig();
 }
 
 TEST(HMath, HostProgramsRandomNumbersAreLeftAlone) {

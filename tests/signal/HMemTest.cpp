@@ -2,10 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <set>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "signal/CSignalProcessing.h"
 #include "signal/FatalErrors.h"
@@ -194,6 +199,42 @@ TEST_F(HMem, AllocationFailures) {
   EXPECT_TRUE(heap.blocks.empty());
   FailAfter(3);
   EXPECT_NE(New(heap, 8), nullptr);
+}
+
+std::vector<std::size_t> g_asked_for;
+bool TakeDown(std::size_t bytes) {
+  g_asked_for.push_back(bytes);
+  return true;
+}
+
+// A bit for each element, in whole bytes.
+TEST_F(HMem, BytesOfABlock) {
+  for (const auto& [elements, used] :
+       {std::pair<std::size_t, std::size_t>{1, 1}, {8, 1}, {9, 2}, {16, 2}, {17, 3}, {800, 100}}) {
+    MemHeap heap;
+    CreateHeap(heap, "h", HeapKind::kMheap, 24, 0.0F, elements, elements);
+    g_asked_for.clear();
+    SetAllocationGate(TakeDown);
+    New(heap, 24);
+    SetAllocationGate(nullptr);
+    EXPECT_EQ(g_asked_for, (std::vector<std::size_t>{sizeof(MemBlock), 24 * elements, used}));
+  }
+}
+
+// Nor does the library say anything when it is loaded: its heaps are made without a trace.
+TEST_F(HMem, LoadingSaysNothing) {
+  const std::string self = std::filesystem::read_symlink("/proc/self/exe");
+  const std::string command = "'" + self + "' --gtest_list_tests 2>&1";
+  std::FILE* const output = popen(command.c_str(), "r");
+  ASSERT_NE(output, nullptr);
+  std::string text;
+  std::array<char, 4096> piece;
+  while (const std::size_t n = std::fread(piece.data(), 1, piece.size(), output)) {
+    text.append(piece.data(), n);
+  }
+  EXPECT_EQ(pclose(output), 0);
+  EXPECT_NE(text.find("LoadingSaysNothing"), std::string::npos);
+  EXPECT_EQ(text.find("HMem: "), std::string::npos) << text.substr(0, 200);
 }
 
 TEST_F(HMem, BlockWhoseSizeOverflows) {

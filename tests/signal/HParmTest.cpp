@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
+#include <set>
 
 #include "signal/CSignalProcessing.h"
 #include "signal/FatalErrors.h"
@@ -104,6 +106,66 @@ TEST_F(HParm, Conversions) {
   EXPECT_FALSE(CanConvert(kMfcc, kAnon));
   EXPECT_FALSE(CanConvert(kBaseMask, kMfcc));
   EXPECT_FALSE(CanConvert(kMfcc, kBaseMask));
+}
+
+// Every base kind from every other: the samples give all coded kinds, the linear prediction kinds
+// one another, the filterbank logarithms and cepstra, and each but what cannot be coded itself.
+TEST_F(HParm, ConversionsOfAllBaseKinds) {
+  const std::map<ParmKind, std::set<ParmKind>> sources = {
+      {kLpc, {kWaveform, kLpc, kLpRefC, kLpCepstra}},
+      {kLpRefC, {kWaveform, kLpc, kLpRefC, kLpCepstra}},
+      {kLpCepstra, {kWaveform, kLpc, kLpRefC, kLpCepstra}},
+      {kMelSpec, {kWaveform, kMelSpec}},
+      {kFbank, {kWaveform, kMelSpec, kFbank}},
+      {kMfcc, {kWaveform, kMelSpec, kFbank, kMfcc}},
+      {kPlp, {kWaveform, kPlp}},
+      {kDiscrete, {kDiscrete}},
+      {kUser, {kUser}}};
+  for (ParmKind to = 0; to <= kBaseMask; ++to) {
+    for (ParmKind from = 0; from <= kBaseMask; ++from) {
+      const bool possible = sources.contains(to) && sources.at(to).contains(from);
+      EXPECT_EQ(CanConvert(from, to), possible) << from << " to " << to;
+    }
+  }
+}
+
+TEST_F(HParm, StylesByNumber) {
+  EXPECT_EQ(static_cast<int>(kFftStyle), 0);
+  EXPECT_EQ(static_cast<int>(kLpcStyle), 1);
+  EXPECT_EQ(static_cast<int>(kVqStyle), 2);
+}
+
+// Nothing is asked for and nothing is there.
+TEST_F(HParm, ARecordThatNobodyFilled) {
+  const IOConfigRec config;
+  EXPECT_EQ(config.srcPK, kWaveform);
+  EXPECT_EQ(config.tgtPK, kAnon);
+  for (const int number :
+       {config.srcFF, config.tgtFF, config.numChans, config.lpcOrder, config.cepLifter,
+        config.numCepCoef, config.delWin, config.accWin, config.nUsed, config.nCols, config.nCvrt,
+        config.nSamples, config.srcUsed, config.tgtUsed, config.frSize, config.frRate,
+        static_cast<int>(config.style), int{config.curPK}, int{config.unqPK}}) {
+    EXPECT_EQ(number, 0);
+  }
+  for (const Boolean flag : {config.zMeanSrc, config.saveCompressed, config.saveWithCRC,
+                             config.useHam, config.usePower, config.rawEnergy, config.eNormalise,
+                             config.simpleDiffs, config.v1Compat, config.doubleFFT}) {
+    EXPECT_EQ(flag, 0);
+  }
+  for (const double value :
+       {config.srcSampRate, config.tgtSampRate, config.winDur, static_cast<double>(config.preEmph),
+        static_cast<double>(config.warpLowerCutOff), static_cast<double>(config.warpUpperCutOff),
+        static_cast<double>(config.compressFact), static_cast<double>(config.cepScale),
+        static_cast<double>(config.eScale), static_cast<double>(config.silFloor),
+        static_cast<double>(config.addDither), static_cast<double>(config.curVol)}) {
+    EXPECT_EQ(value, 0.0);
+  }
+  EXPECT_EQ(config.loFBankFreq, -1.0F);
+  EXPECT_EQ(config.hiFBankFreq, -1.0F);
+  EXPECT_EQ(config.warpFreq, 1.0F);
+  EXPECT_EQ(config.s.Size() + config.a.Size() + config.k.Size() + config.fbank.Size() +
+                config.c.Size() + config.mean.Size() + config.r.Size(),
+            0);
 }
 
 TEST_F(HParm, OnlyCepstraAreConverted) {

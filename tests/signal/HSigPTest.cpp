@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -58,6 +59,9 @@ TEST_F(HSigP, FrameMean) {
     EXPECT_EQ(Values(constant), std::vector<float>(551, 0.0F));
   }
   RemoveFrameMean(Vector());
+  const Vector lone = From({5.0F});
+  RemoveFrameMean(lone);
+  EXPECT_EQ(Values(lone), std::vector<float>{0.0F});
 }
 
 TEST_F(HSigP, PreEmphasisRunsFromTheEnd) {
@@ -125,6 +129,41 @@ TEST_F(HSigP, CosineTransform) {
   const auto before = Values(c);
   FilterbankToCepstra(fbank, c, CosineTable(4, 3));  // a table of other sizes
   EXPECT_EQ(Values(c), before);
+}
+
+// Four floats with their length, and the next piece of the heap begins right behind them.
+TEST_F(HSigP, CosineTransformStaysWithinItsCepstra) {
+  const Vector fbank = From({1.0F, -2.0F, 3.5F, 0.25F, 10.0F});
+  const Vector c = From({9.0F, 9.0F, 9.0F});
+  const Vector next = From({4.0F, 5.0F, 6.0F});
+  ASSERT_EQ(&next[1], &c[1] + 4);
+  FilterbankToCepstra(fbank, c, CosineTable(5, 3));
+  EXPECT_EQ(next.Size(), 3);
+  EXPECT_EQ(Values(next), (std::vector<float>{4.0F, 5.0F, 6.0F}));
+}
+
+// A module that starts anew has none of the tables of the one before. In a child process, since
+// others hold those tables.
+TEST_F(HSigP, TablesEndWithTheModule) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        const auto live = [] {
+          for (const MemHeap* heap : RecordedHeaps()) {
+            if (heap->name == "sigpHeap") return heap->live_elements;
+          }
+          return std::size_t{99};
+        };
+        HammingWindow(7);
+        EndSigP();
+        StartSigP();
+        const std::size_t before = live();
+        HammingWindow(7);
+        const std::size_t made = live();
+        HammingWindow(7);
+        std::_Exit(before == 0 && made == 1 && live() == 1 ? 3 : 4);
+      },
+      testing::ExitedWithCode(3), "");
 }
 
 // Another C library's cosine may differ in the last bit of a double. That never shows when no value
@@ -207,6 +246,10 @@ TEST_F(HSigP, ColumnMeans) {
   EXPECT_EQ(rows, (std::vector<float>{-2.0F, -2.0F, 100.0F, 0.0F, 2.0F, 200.0F}));
   SubtractColumnMeans(rows.data(), 0, 3, 2);
   SubtractColumnMeans(nullptr, 0, 3, 2);
+  const std::vector<float> before = rows;
+  SubtractColumnMeans(rows.data(), 2, 3, 0);
+  SubtractColumnMeans(rows.data(), 2, 3, -1);
+  EXPECT_EQ(rows, before);
 }
 
 TEST_F(HSigP, EnergyOfAnUtterance) {

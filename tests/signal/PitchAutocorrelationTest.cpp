@@ -1,7 +1,9 @@
 // The steps under the pitch detector, each against its plain formula.
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <cstdint>
@@ -83,6 +85,31 @@ TEST(Autocorrelation, IsThatOfThePieceOverThatOfTheWindow) {
   EXPECT_EQ(r[half], 1.0);
 }
 
+TEST(Autocorrelation, ThePeakMayLieBelowTheMean) {
+  std::vector<std::int16_t> piece(20, 10);
+  piece[7] = -90;
+  ShortTermAutocorrelation autocorrelation(10);
+  EXPECT_DOUBLE_EQ(autocorrelation.Compute(piece), 95.0);  // the mean is 5
+  for (std::int16_t& sample : piece) sample = static_cast<std::int16_t>(-sample);
+  EXPECT_DOUBLE_EQ(autocorrelation.Compute(piece), 95.0);
+}
+
+// Everything that transforms need is there when the plan is.
+TEST(FftPlan, TransformsAllocateNothing) {
+  for (const int n : {1024, 4096}) {
+    NUMfft_Table_d plan(n);
+    std::vector<double> signal(static_cast<std::size_t>(n), 1.0);
+    std::vector<std::complex<double>> spectrum(static_cast<std::size_t>(plan.NumBins()));
+    const std::size_t before = mallinfo2().uordblks;
+    plan.Forward(signal, spectrum);
+    const std::size_t forward = mallinfo2().uordblks;
+    plan.Backward(spectrum, signal);
+    const std::size_t backward = mallinfo2().uordblks;
+    EXPECT_EQ(forward, before);
+    EXPECT_EQ(backward, before);
+  }
+}
+
 TEST(Autocorrelation, AConstantPieceHasNone) {
   ShortTermAutocorrelation autocorrelation(10);
   EXPECT_EQ(autocorrelation.Compute(std::vector<std::int16_t>(20, -5)), 0.0);
@@ -102,7 +129,7 @@ double PlainSinc(const std::vector<double>& symmetric, double lag) {
   const int reach = static_cast<int>(symmetric.size() / 2);
   const int left = static_cast<int>(std::floor(lag));
   const double phi_left = lag - left, phi_right = 1.0 - phi_left;
-  const int depth = std::min(kSincDepth, reach - left);
+  const int depth = std::min(70, reach - left);
   double sum = 0.0;
   for (int n = 1; n <= depth; ++n) {
     const double u = phi_left + n - 1, v = phi_right + n - 1;
@@ -128,6 +155,8 @@ TEST(SincInterpolation, PassesThroughTheValues) {
     EXPECT_EQ(SincInterpolate(values, lag), values[static_cast<std::size_t>(100 + lag)]);
     if (lag == 0 || lag == 100) continue;
     EXPECT_NEAR(SincInterpolate(values, lag + 1e-9), values[static_cast<std::size_t>(100 + lag)],
+                1e-7);
+    EXPECT_NEAR(SincInterpolate(values, lag - 1e-9), values[static_cast<std::size_t>(100 + lag)],
                 1e-7);
   }
 }
@@ -178,6 +207,46 @@ TEST(SincInterpolation, MaximaOfRoughValues) {
       EXPECT_EQ(found.value, SincInterpolate(values, found.lag));
     }
   }
+}
+
+// Lags 0.. and, the function being even, their mirror.
+std::vector<double> Mirrored(const std::vector<double>& values) {
+  std::vector<double> symmetric(values.rbegin(), values.rend() - 1);
+  symmetric.insert(symmetric.end(), values.begin(), values.end());
+  return symmetric;
+}
+
+// Values that lead parabolas astray: beside a lopsided top, and with a neighbour of its height.
+TEST(SincInterpolation, MaximaThatParabolasMiss) {
+  struct Case {
+    std::vector<double> values;
+    int lag;
+  };
+  for (const Case& c :
+       {Case{{1.0, 0.82, 0.89, 0.88}, 2}, Case{{1.0, 0.9, 0.98, 0.95}, 2},
+        Case{{1.0, 0.32, 0.99, 0.18, 0.8, 0.97, 0.96}, 5}, Case{{1.0, 0.76, 0.84, 0.95, 0.91}, 3},
+        Case{{1.0, 0.13, 0.73, 0.89, 0.88, 0.12, 0.88, 0.2}, 3}}) {
+    const std::vector<double> symmetric = Mirrored(c.values);
+    double best = 0.0;
+    for (int step = 0; step < 2000; ++step) {
+      const double lag = c.lag - 1.0 + (step + 0.5) / 1000.0;
+      best = std::max(best, PlainSinc(symmetric, lag));
+    }
+    const LagMaximum found = RefineMaximum(symmetric, c.lag);
+    EXPECT_NEAR(found.lag, c.lag, 1.0);
+    EXPECT_NEAR(found.value, best, 1e-5) << c.lag;
+    EXPECT_NEAR(PlainSinc(symmetric, found.lag), found.value, 1e-12) << c.lag;
+  }
+}
+
+// The vertex is the sample itself: there is nowhere to move to, though the values farther out tilt
+// the function.
+TEST(SincInterpolation, ASearchThatBeginsAtTheVertexEndsThere) {
+  const std::vector<double> symmetric = Mirrored({1.0, 0.2, 0.6, 0.2, 0.9});
+  EXPECT_NE(PlainSinc(symmetric, 2.001), PlainSinc(symmetric, 1.999));
+  const LagMaximum found = RefineMaximum(symmetric, 2);
+  EXPECT_EQ(found.lag, 2.0);
+  EXPECT_EQ(found.value, 0.6);
 }
 
 TEST(SincInterpolation, AFlatTop) {
