@@ -115,7 +115,10 @@ TEST(AnnotatedAudio, BadInputIsAMessageAndForgetsWhatWas) {
   const auto samples = ChainRecording("en_learner");
   AnnotatedAudio audio;
   for (const auto& [count, data, message] :
-       {std::tuple{1000ul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+       {std::tuple{1ul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+        std::tuple{1000ul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+        std::tuple{0x7FFFFFFFul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+        std::tuple{0x80000000ul, static_cast<const std::int16_t*>(nullptr), "too many samples"},
         std::tuple{0x80000000ul, samples.data(), "too many samples"},
         std::tuple{std::numeric_limits<unsigned long>::max(), samples.data(),
                    "too many samples"}}) {
@@ -153,6 +156,26 @@ TEST(AnnotatedAudio, FreshObjectsAndIndicesOutside) {
     EXPECT_EQ(audio.GetPhonemeStartSample(i), 0) << i;
     EXPECT_EQ(audio.GetPhonemeEndSample(i), 0) << i;
   }
+}
+
+// Behind the last segment lies nothing, also where a longer recording had more before.
+TEST(AnnotatedAudio, ThereIsNoSegmentBehindTheLast) {
+  LoadSmallEngine();
+  const auto samples = ChainRecording("en_learner");
+  AnnotatedAudio audio;
+  std::vector<int> counts;
+  for (std::size_t count = samples.size(); count > 2000; count -= 1000) {
+    ASSERT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), 0);
+    ASSERT_EQ(audio.LoadAndAnnotate(count, samples.data(), kLanguageEnglish), 0);
+    const int segments = audio.GetNumOfPhonemes();
+    counts.push_back(segments);
+    if (segments > 0) {
+      EXPECT_EQ(audio.GetPhonemeEndSample(segments - 1), static_cast<int>(count));
+    }
+    EXPECT_EQ(audio.GetPhonemeStartSample(segments), 0) << segments;
+    EXPECT_EQ(audio.GetPhonemeEndSample(segments), 0) << segments;
+  }
+  EXPECT_NE(counts.front(), counts.back());
 }
 
 TEST(AnnotatedAudio, PhonemesAreAPlainString) {
