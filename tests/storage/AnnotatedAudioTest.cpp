@@ -71,6 +71,17 @@ Labelled Expected(const std::vector<std::int16_t>& samples, LanguageType languag
   return expected;
 }
 
+// Puts a frame model of one layer in place of the English one.
+void LoadFrameModel(const std::vector<double>& weights, const std::vector<double>& bias,
+                    char activation) {
+  const ScratchFolder folder;
+  const std::string path = folder.Path() / "made.model";
+  std::vector<std::unique_ptr<keras::Layer>> layers;
+  layers.push_back(std::make_unique<keras::LayerDense>(weights, bias, activation));
+  ASSERT_EQ(keras::KerasModel(1, std::move(layers)).save_binary_weights(path), 0);
+  ASSERT_GE(LoadModelFile(path.c_str(), kFrameModelEnglish), 0);
+}
+
 TEST(AnnotatedAudio, RecordingsOfEveryLanguage) {
   LoadSmallEngine();
   for (const auto& [name, language] :
@@ -219,8 +230,6 @@ TEST(AnnotatedAudio, MoreThan4096SegmentsEndWithTheLast) {
     const bool loud = (i / (220 * 5)) % 2 == 0;
     samples[i] = static_cast<std::int16_t>(loud ? noise[2205 + i % 4000] : noise[i % 2000]);
   }
-  const ScratchFolder folder;
-  const std::string path = folder.Path() / "two.model";
   // Two outputs that follow the normalised energy of the frame (value 12 of its 39), up or down.
   const auto states = 3 * static_cast<std::size_t>(PhonemeSetOf(kLanguageEnglish)->GetSize());
   std::vector<double> weights(195 * states, 0.0);
@@ -229,11 +238,8 @@ TEST(AnnotatedAudio, MoreThan4096SegmentsEndWithTheLast) {
   std::vector<double> bias(states, -1000.0);
   bias[0] = -35.0;
   bias[3] = 35.0;
-  std::vector<std::unique_ptr<keras::Layer>> layers;
-  layers.push_back(std::make_unique<keras::LayerDense>(weights, bias, keras::kSigmoid));
-  ASSERT_EQ(keras::KerasModel(1, std::move(layers)).save_binary_weights(path), 0);
   const MessageCapture messages;
-  ASSERT_GE(LoadModelFile(path.c_str(), kFrameModelEnglish), 0);
+  LoadFrameModel(weights, bias, keras::kSigmoid);
 
   const Labelled annotated = Annotated(samples, kLanguageEnglish);
   EXPECT_EQ(annotated.phonemes.size(), 4096u);
@@ -245,6 +251,28 @@ TEST(AnnotatedAudio, MoreThan4096SegmentsEndWithTheLast) {
   EXPECT_EQ(audio.GetPhonemeStartSample(5000), audio.GetPhonemeStartSample(4095));
   EXPECT_EQ(audio.GetPhonemeEndSample(5000), audio.GetPhonemeEndSample(4095));
   ASSERT_GE(LoadModelFile(VectorPath("models/frame_en.bin").c_str(), kFrameModelEnglish), 0);
+}
+
+// Where the process would end and the application throws instead, there is a message, and the
+// object can be used again.
+TEST(AnnotatedAudio, AnEndOfTheProcessThatThrows) {
+  LoadSmallEngine();
+  MessageCapture messages;
+  const EndProcessTrap trap;
+  const auto samples = ChainRecording("en_learner");
+  const Labelled before = Annotated(samples, kLanguageEnglish);
+  const auto states = 3 * static_cast<std::size_t>(PhonemeSetOf(kLanguageEnglish)->GetSize());
+  LoadFrameModel(std::vector<double>(195 * states, 0.0), std::vector<double>(states, 0.0), '?');
+  AnnotatedAudio audio;
+  messages.Clear();
+  EXPECT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), -1);
+  ASSERT_FALSE(messages.Entries().empty());
+  EXPECT_EQ(messages.Entries().back().text,
+            "ERROR in AnnotatedAudio::LoadAndAnnotate(), unknown error\n");
+  EXPECT_EQ(audio.GetNumOfPhonemes(), 0);
+  ASSERT_GE(LoadModelFile(VectorPath("models/frame_en.bin").c_str(), kFrameModelEnglish), 0);
+  EXPECT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), 0);
+  EXPECT_EQ(Read(audio), before);
 }
 
 // Also run under ThreadSanitizer.

@@ -237,7 +237,8 @@ TEST_F(SavedAlignedAudioTest, ALostSentenceIsRefused) {
   HLYFile file;
   file.SetHLYVersion(5);
   CString sentence(L"A");
-  sentence += std::wstring_view(L"B", std::size_t{1} << 61);  // longer than any text
+  constexpr std::size_t kTooLong = std::numeric_limits<std::size_t>::max() / 4;
+  sentence += std::wstring_view(L"B", kTooLong);  // found to be too long before it is read
   ASSERT_TRUE(sentence.IsLost());
   file.SetSentence(sentence);
   file.SetAlignInfo(record.data(), static_cast<int>(record.size()));
