@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "support/MessageCapture.h"
@@ -229,7 +232,61 @@ TEST_F(GradedAudioTest, MismatchLinesToAStreamThatThrows) {
   m_learner.SaveUttMismatchTraits(&out);
   m_learner.SaveSylMismatchTraits(&out);
   m_learner.SaveWordMismatchTraits(&out);
-  EXPECT_EQ(m_messages.Entries().size(), 3u);
+  ASSERT_EQ(m_messages.Entries().size(), 3u);
+  const char* const operations[] = {"SaveUttMismatchTraits", "SaveSylMismatchTraits",
+                                    "SaveWordMismatchTraits"};
+  for (std::size_t i = 0; i < 3; ++i) {  // and what the stream says of itself
+    EXPECT_TRUE(m_messages.Entries()[i].text.starts_with(std::string("ERROR in GradedAudio::") +
+                                                         operations[i] + "(), "))
+        << m_messages.Entries()[i].text;
+  }
+}
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
+// An application's own kinds of recording, which fail when they are asked.
+class FailingLearner final : public GradedAudio {
+ public:
+  using GradedAudio::GradedAudio;
+  bool fails = false;
+  LanguageType GetLanguageType() override {
+    if (fails) throw std::runtime_error("no language here");
+    return GradedAudio::GetLanguageType();
+  }
+};
+
+class FailingTutor final : public AnalyzedAudio {
+ public:
+  using AnalyzedAudio::AnalyzedAudio;
+  const char* GetPhonemes() override { throw std::bad_alloc(); }
+};
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+TEST_F(GradedAudioTest, RecordingsThatFailAreAMessageAndLeaveTheScores) {
+  FailingLearner learner(kLanguageEnglish);
+  AlignAndAnalyse(learner, L"I READ THE CAT", "en_learner");
+  ASSERT_GT(learner.GradeAgainstTutor(&m_tutor), 0);
+  const auto scores = Scores(learner);
+  learner.fails = true;
+  m_messages.Clear();
+  EXPECT_EQ(learner.GradeAgainstTutor(&m_tutor), -1);
+  EXPECT_EQ(learner.GradePronunOnly(), -1);
+  learner.PrintScores();
+  learner.fails = false;
+  FailingTutor tutor(kLanguageEnglish);
+  EXPECT_EQ(learner.GradeAgainstTutor(&tutor), -1);
+  EXPECT_EQ(m_messages.All(),
+            "ERROR in GradedAudio::GradeAgainstTutor(), no language here\n"
+            "ERROR in GradedAudio::GradePronunOnly(), no language here\n"
+            "ERROR in GradedAudio::PrintScores(), no language here\n"
+            "ERROR in GradedAudio::GradeAgainstTutor(), out of memory\n");
+  EXPECT_EQ(Scores(learner), scores);
 }
 
 TEST_F(GradedAudioTest, MismatchLines) {

@@ -163,6 +163,23 @@ TEST_F(GradingBounds, PercentsAgainstATutorOfNothing) {
   EXPECT_EQ(SyllableIntensityPercent(learner, tutor), (std::vector<int>{1000, 33, 1000}));
 }
 
+// A percent that an int can't hold becomes the nearest that it can; one that is no number becomes
+// 0.
+TEST_F(GradingBounds, PercentsKeepToAnInt) {
+  LearnerView learner = MakeLearner(kLanguageEnglish, 3);
+  RecordingView tutor = MakeTutor(kLanguageEnglish, 3);
+  tutor.syllable_intensity = {0.25, 0.25, 0.5};
+  learner.syllable_intensity = {1e300, -1e300, 1.0};  // together as loud as the tutor
+  EXPECT_EQ(SyllableIntensityPercent(learner, tutor),
+            (std::vector<int>{2147483647, -2147483647 - 1, 200}));
+  learner.syllable_intensity = {0.75, std::numeric_limits<double>::quiet_NaN(), 0.25};
+  EXPECT_EQ(SyllableIntensityPercent(learner, tutor), (std::vector<int>{0, 0, 0}));
+  tutor.syllable_duration = {1, 1, 1};
+  learner.syllable_duration = {2147483647, -2147483647, 1};
+  EXPECT_EQ(SyllableTimingPercent(learner, tutor),
+            (std::vector<int>{2147483647, -2147483647 - 1, 100}));
+}
+
 // Percents are cut twice: whole percents of the durations, then against the whole utterances in
 // single precision.
 TEST_F(GradingBounds, TimingPercentsAreCutTwice) {
@@ -435,6 +452,42 @@ TEST_F(GradingBounds, AGradingOfNoLanguageFails) {
   EXPECT_EQ(graded.pitch_advice, "kept");
   EXPECT_EQ(graded.timing_advice, "--");
   EXPECT_TRUE(graded.syllable_pronunciation.empty());
+}
+
+// Only words have a contrast; of one whose syllables are not all there nothing is read.
+TEST_F(GradingBounds, ContrastsOfWordsOnly) {
+  LearnerView learner = MakeLearner(kLanguageEnglish, 3);
+  const RecordingView tutor = MakeTutor(kLanguageEnglish, 3);
+  learner.syllable_pitch = {102, 101, 100};
+  learner.syllable_duration = {3, 2, 1};
+  learner.syllable_intensity = {3.0, 2.0, 1.0};
+  learner.words = {{-1, 1, 3, 0}, {2, 3, 2, 1}};
+  const std::vector<double> before = {2.0, 3.0, 4.0, 5.0, 6.0};
+  const std::vector<double> after = {1.0, 1.0, 1.0, 1.0, 6.0};
+  const PitchGrades pitch = GradePitch(learner, tutor, before);
+  EXPECT_EQ(pitch.word_contrast, after);
+  EXPECT_EQ(pitch.word_penalty, 0);
+  const TimingGrades timing = GradeTiming(learner, tutor, 1.0, before);
+  EXPECT_EQ(timing.word_contrast, after);
+  EXPECT_EQ(timing.word_penalty, 0);
+  const IntensityGrades intensity = GradeIntensity(learner, tutor, before);
+  EXPECT_EQ(intensity.word_contrast, after);
+  EXPECT_EQ(intensity.word_penalty, 0);
+  // One contrast for four words: the walk ends with it.
+  EXPECT_EQ(GradePitch(learner, tutor, {2.0}).word_contrast, std::vector<double>{1.0});
+}
+
+// A factor above 1, of what is no probability, raises nothing.
+TEST_F(GradingBounds, AFactorAboveOneRaisesNothing) {
+  GradedResult graded;
+  EXPECT_EQ(GradeAgainstTutor(
+                MakeLearner(kLanguageEnglish, 4), MakeTutor(kLanguageEnglish, 4),
+                [] { return std::exp(0.05); }, graded),
+            100);
+  EXPECT_NEAR(graded.goodness_factor, 1.0 / 0.95, 1e-12);
+  EXPECT_EQ(graded.components.pitch, 100);
+  EXPECT_EQ(graded.phoneme_pronunciation, (std::vector<int>{100, 100, 100, 100}));
+  EXPECT_EQ(m_messages.All(), "");
 }
 
 // Contrasts that a grading does not make keep what they held; there are as many as words.

@@ -292,6 +292,24 @@ TEST_F(ReportOfAnObject, LinesOfOneSyllable) {
   EXPECT_EQ(test::ReadFile(path), "kA,1,1,1,1,3.5,7\nH,100,100\n1,1,1\n");
 }
 
+// What no grading has made yet is 0; so is the tutor's count where there is no ratio.
+TEST_F(ReportOfAnObject, LinesBeforeAGrading) {
+  const test::ScratchFolder folder;
+  const auto path = folder.Path() / "traits.csv";
+  for (const bool pronunciation_alone : {false, true}) {
+    if (pronunciation_alone) {
+      ASSERT_GE(m_learner.GradePronunOnly(), 0);
+    }
+    {
+      std::ofstream out(path);
+      m_learner.SaveUttMismatchTraits(&out);
+      m_learner.SaveSylMismatchTraits(&out);
+      m_learner.SaveWordMismatchTraits(&out);
+    }
+    EXPECT_EQ(test::ReadFile(path), "kA,0,0,0,1,0,7\nH,0,0\n0,0,0\n");
+  }
+}
+
 TEST_F(ReportOfAnObject, NoStream) {
   m_learner.SaveUttMismatchTraits(nullptr);
   m_learner.SaveSylMismatchTraits(nullptr);

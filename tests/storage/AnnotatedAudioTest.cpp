@@ -72,6 +72,17 @@ Labelled Expected(const std::vector<std::int16_t>& samples, LanguageType languag
   return expected;
 }
 
+// Puts a frame model of one layer in place of the English one.
+void LoadFrameModel(const std::vector<double>& weights, const std::vector<double>& bias,
+                    char activation) {
+  const ScratchFolder folder;
+  const std::string path = folder.Path() / "made.model";
+  std::vector<std::unique_ptr<keras::Layer>> layers;
+  layers.push_back(std::make_unique<keras::LayerDense>(weights, bias, activation));
+  ASSERT_EQ(keras::KerasModel(1, std::move(layers)).save_binary_weights(path), 0);
+  ASSERT_GE(LoadModelFile(path.c_str(), kFrameModelEnglish), 0);
+}
+
 TEST(AnnotatedAudio, RecordingsOfEveryLanguage) {
   LoadSmallEngine();
   for (const auto& [name, language] :
@@ -116,7 +127,10 @@ TEST(AnnotatedAudio, BadInputIsAMessageAndForgetsWhatWas) {
   const auto samples = ChainRecording("en_learner");
   AnnotatedAudio audio;
   for (const auto& [count, data, message] :
-       {std::tuple{1000ul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+       {std::tuple{1ul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+        std::tuple{1000ul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+        std::tuple{0x7FFFFFFFul, static_cast<const std::int16_t*>(nullptr), "no samples"},
+        std::tuple{0x80000000ul, static_cast<const std::int16_t*>(nullptr), "too many samples"},
         std::tuple{0x80000000ul, samples.data(), "too many samples"},
         std::tuple{std::numeric_limits<unsigned long>::max(), samples.data(),
                    "too many samples"}}) {
@@ -154,6 +168,26 @@ TEST(AnnotatedAudio, FreshObjectsAndIndicesOutside) {
     EXPECT_EQ(audio.GetPhonemeStartSample(i), 0) << i;
     EXPECT_EQ(audio.GetPhonemeEndSample(i), 0) << i;
   }
+}
+
+// Behind the last segment lies nothing, also where a longer recording had more before.
+TEST(AnnotatedAudio, ThereIsNoSegmentBehindTheLast) {
+  LoadSmallEngine();
+  const auto samples = ChainRecording("en_learner");
+  AnnotatedAudio audio;
+  std::vector<int> counts;
+  for (std::size_t count = samples.size(); count > 2000; count -= 1000) {
+    ASSERT_EQ(audio.LoadAndAnnotate(samples.size(), samples.data(), kLanguageEnglish), 0);
+    ASSERT_EQ(audio.LoadAndAnnotate(count, samples.data(), kLanguageEnglish), 0);
+    const int segments = audio.GetNumOfPhonemes();
+    counts.push_back(segments);
+    if (segments > 0) {
+      EXPECT_EQ(audio.GetPhonemeEndSample(segments - 1), static_cast<int>(count));
+    }
+    EXPECT_EQ(audio.GetPhonemeStartSample(segments), 0) << segments;
+    EXPECT_EQ(audio.GetPhonemeEndSample(segments), 0) << segments;
+  }
+  EXPECT_NE(counts.front(), counts.back());
 }
 
 TEST(AnnotatedAudio, PhonemesAreAPlainString) {
@@ -197,8 +231,6 @@ TEST(AnnotatedAudio, MoreThan4096SegmentsEndWithTheLast) {
     const bool loud = (i / (220 * 5)) % 2 == 0;
     samples[i] = static_cast<std::int16_t>(loud ? noise[2205 + i % 4000] : noise[i % 2000]);
   }
-  const ScratchFolder folder;
-  const std::string path = folder.Path() / "two.model";
   // Two outputs that follow the normalised energy of the frame (value 12 of its 39), up or down.
   const auto states = 3 * static_cast<std::size_t>(PhonemeSetOf(kLanguageEnglish)->GetSize());
   std::vector<double> weights(195 * states, 0.0);
@@ -207,11 +239,8 @@ TEST(AnnotatedAudio, MoreThan4096SegmentsEndWithTheLast) {
   std::vector<double> bias(states, -1000.0);
   bias[0] = -35.0;
   bias[3] = 35.0;
-  std::vector<std::unique_ptr<keras::Layer>> layers;
-  layers.push_back(std::make_unique<keras::LayerDense>(weights, bias, keras::kSigmoid));
-  ASSERT_EQ(keras::KerasModel(1, std::move(layers)).save_binary_weights(path), 0);
   const MessageCapture messages;
-  ASSERT_GE(LoadModelFile(path.c_str(), kFrameModelEnglish), 0);
+  LoadFrameModel(weights, bias, keras::kSigmoid);
 
   const Labelled annotated = Annotated(samples, kLanguageEnglish);
   EXPECT_EQ(annotated.phonemes.size(), 4096u);

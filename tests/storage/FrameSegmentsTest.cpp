@@ -70,6 +70,43 @@ TEST(FrameSegments, OneOddFrameDoesNotPart) {
   EXPECT_TRUE(SegmentsOf("", 0).empty());
 }
 
+// A part of a longer text of labels: what stands behind it is no frame.
+TEST(FrameSegments, LabelsEndWhereTheyEnd) {
+  const std::string_view labels = "aabb";
+  EXPECT_EQ(SegmentsOf(labels, 1211).size(), 2u);
+  const std::vector<FrameSegment> segments = SegmentsOf(labels.substr(0, 3), 991);
+  ASSERT_EQ(segments.size(), 1u);
+  EXPECT_EQ(segments[0].phoneme, 'a');
+  EXPECT_EQ(segments[0].start, 0);
+  EXPECT_EQ(segments[0].end, 991);
+}
+
+// Each of the three states counts, of the set's first phoneme and of its last; a frame's scores end
+// before the next one's.
+TEST(FrameSegments, EveryStateOfEveryPhonemeCounts) {
+  for (const LanguageType language : {kLanguageEnglish, kLanguageChinese, kLanguageJapanese}) {
+    const CPhonemeSet& set = *PhonemeSetOf(language);
+    const std::string full = set.GetFullSet();
+    ASSERT_EQ(full.size(), static_cast<std::size_t>(set.GetSize()));
+    const std::size_t row = 3 * full.size();
+    for (std::size_t p = 0; p < full.size(); ++p) {
+      for (std::size_t state = 0; state < 3; ++state) {
+        // The sum of two states decides over the highest state of another phoneme, and the next
+        // frame's first phoneme over both of them.
+        std::vector<double> scores(2 * row, 0.0);
+        const std::size_t other = (p + 1) % full.size();
+        scores[3 * other] = 0.5;
+        scores[3 * p + state] += 0.4;
+        scores[3 * p + (state + 1) % 3] += 0.3;
+        scores[row] = 0.9;
+        std::string labels;
+        AppendFrameLabels(set, scores, labels);
+        EXPECT_EQ(labels, (std::string{full[p], full[0]})) << full[p] << " " << state;
+      }
+    }
+  }
+}
+
 TEST(FrameSegments, TiesGoToTheFirstPhonemeAndNothingAboveZeroToTheFrameBefore) {
   const CPhonemeSet& set = *PhonemeSetOf(kLanguageEnglish);
   const auto row = 3 * static_cast<std::size_t>(set.GetSize());

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -87,6 +89,28 @@ TEST(HLYFile, CopiesReferToTheSameSamplesAndRecord) {
     EXPECT_EQ(other->GetSentence(), L"first");
     EXPECT_STREQ(other->GetMBCSSentence(), "first");
   }
+}
+
+// Nobody reads the two reserved words, which stand behind the three kinds; copies carry them along.
+TEST(HLYFile, ReservedWordsTravelWithCopies) {
+  const auto reserved = [](const HLYFile& file) {
+    std::array<std::uint32_t, 5> words{};
+    std::memcpy(words.data(), static_cast<const void*>(&file), sizeof(words));
+    return std::pair{words[3], words[4]};
+  };
+  const HLYFile made(HLYFile::kAudioWave, HLYFile::kL2Chinese, HLYFile::kSubL2Taiwan, 11, 12, L"",
+                     L"", "", 0, nullptr, 0, 5, 0, nullptr);
+  EXPECT_EQ(reserved(made), (std::pair{11u, 12u}));
+  HLYFile file;
+  EXPECT_EQ(reserved(file), (std::pair{0u, 0u}));
+  file.SetReserved(0x12345678u, 0x9ABCDEF0u);
+  const HLYFile copy(file);
+  HLYFile assigned;
+  assigned = file;
+  file.SetReserved(1, 2);
+  EXPECT_EQ(reserved(file), (std::pair{1u, 2u}));
+  EXPECT_EQ(reserved(copy), (std::pair{0x12345678u, 0x9ABCDEF0u}));
+  EXPECT_EQ(reserved(assigned), (std::pair{0x12345678u, 0x9ABCDEF0u}));
 }
 
 TEST(HLYFile, AMultibyteSentenceIsCutToItsArray) {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -225,6 +226,52 @@ TEST_F(SavedAlignedAudioTest, RefusalsInWords) {
             "new version of HLY file format?\n");
 }
 
+// A sentence for which there was no memory is not taken for an empty one.
+TEST_F(SavedAlignedAudioTest, ALostSentenceIsRefused) {
+  AlignInfo info;
+  info.num_samples = 1234;
+  SavedAlignedAudio audio(kLanguageEnglish);
+  ASSERT_EQ(Load(audio, info), 0);
+  info.num_samples = 99;
+  Record record = EncodeAlignInfo(info);
+  HLYFile file;
+  file.SetHLYVersion(5);
+  CString sentence(L"A");
+  constexpr std::size_t kTooLong = std::numeric_limits<std::size_t>::max() / 4;
+  sentence += std::wstring_view(L"B", kTooLong);  // found to be too long before it is read
+  ASSERT_TRUE(sentence.IsLost());
+  file.SetSentence(sentence);
+  file.SetAlignInfo(record.data(), static_cast<int>(record.size()));
+  EXPECT_EQ(audio.LoadFromHLY(&file), -1);
+  EXPECT_EQ(m_messages.Of(MessageStream::kError),
+            "ERROR in SavedAlignedAudio::LoadFromHLY(), out of memory\n");
+  EXPECT_EQ(audio.GetNumOfSamples(), 1234);
+}
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
+// An application's own kind of stored recording, which fails when it is asked.
+class Failing final : public SavedAlignedAudio {
+ public:
+  using SavedAlignedAudio::SavedAlignedAudio;
+  int GetNumOfWords() override { throw std::runtime_error("no words here"); }
+};
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+TEST_F(SavedAlignedAudioTest, ADumpThatFailsIsAMessage) {
+  Failing audio(kLanguageEnglish);
+  audio.DumpData();
+  ASSERT_FALSE(m_messages.Entries().empty());
+  EXPECT_EQ(m_messages.Entries().back().text,
+            "ERROR in SavedAlignedAudio::DumpData(), no words here\n");
+}
+
 // Each count has its own bound: what lies behind it in the record is not read.
 TEST_F(SavedAlignedAudioTest, CountsBoundTheirArrays) {
   AlignInfo info;
@@ -315,15 +362,19 @@ TEST_F(SavedAlignedAudioTest, AnIntensityThatIsNoFiniteNumberIsRefused) {
   EXPECT_EQ(m_messages.All(), "");
   info.num_samples = 99;
   for (const float bad : {Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN()}) {
-    m_messages.Clear();
-    info.syllable_intensity[2] = bad;
-    EXPECT_EQ(Load(audio, info), -1) << bad;
-    EXPECT_EQ(
-        m_messages.All(),
-        "AlignedAudio::LoadFromHLY(): Error, damaged align info in HLY file: the intensity of "
-        "syllable 2 is not a finite number.\n");
-    EXPECT_EQ(audio.GetNumOfSamples(), 1234);
-    EXPECT_EQ(audio.GetSyllableIntensity(1), -2.0);
+    AlignInfo damaged = info;
+    for (const std::size_t syllable : {2u, 1u, 0u}) {
+      m_messages.Clear();
+      damaged.syllable_intensity[syllable] = bad;  // the first bad one is named
+      EXPECT_EQ(Load(audio, damaged), -1) << bad;
+      EXPECT_EQ(
+          m_messages.All(),
+          "AlignedAudio::LoadFromHLY(): Error, damaged align info in HLY file: the intensity of "
+          "syllable " +
+              std::to_string(syllable) + " is not a finite number.\n");
+      EXPECT_EQ(audio.GetNumOfSamples(), 1234);
+      EXPECT_EQ(audio.GetSyllableIntensity(1), -2.0);
+    }
   }
 }
 

@@ -29,11 +29,11 @@ class HandMade final : public AlignedAudio {
   int GetUttEndSampleNum() override { return 0; }
   int GetSyllableStartPosition(int) override { return 0; }
   int GetWordStartPosition(int) override { return 0; }
-  int GetSyllablePitch(int syl) override { return m_pitch[Index(syl)]; }
+  int GetSyllablePitch(int syl) override { return m_pitch.at(Index(syl)); }
   double GetSylToneProb(int, int) override { return 0.0; }
   int GetSyllableToneOrStress(int) override { return 0; }
-  int GetSyllableDuration(int syl) override { return m_duration[Index(syl)]; }
-  double GetSyllableIntensity(int syl) override { return m_intensity[Index(syl)]; }
+  int GetSyllableDuration(int syl) override { return m_duration.at(Index(syl)); }
+  double GetSyllableIntensity(int syl) override { return m_intensity.at(Index(syl)); }
   int GetUttNumOfPitchSegments() override { return 0; }
   int GetWaveY(int) override { return 0; }
   int GetPitchContour(int) override { return 0; }
@@ -79,6 +79,8 @@ TEST(SyllableHighlighting, MinusOneIsPickedByThePitchHelperOnly) {
 
 TEST(SyllableHighlighting, AveragePitchIsCutAndNothingDividesByZero) {
   EXPECT_EQ(HandMade({100, 101}).GetUttAveragePitch(), 100);
+  EXPECT_EQ(HandMade({180}).GetUttAveragePitch(), 180);
+  EXPECT_EQ(HandMade({2000000000, 2000000000, 1999999997}).GetUttAveragePitch(), 1999999999);
   EXPECT_EQ(HandMade({}).GetUttAveragePitch(), 0);
 }
 
