@@ -59,7 +59,9 @@ std::vector<Piece> Cut(std::wstring_view run, const WordCost& cost) {
     for (std::size_t length = std::min(kMaxWordLength, run.size() - at); length > 0; --length) {
       if (const auto word = cost(run.substr(at, length))) offer(length, *word + kWordCost, true);
     }
-    if (at == 0 || !GoesOn(run[at])) offer(UnknownLength(run.substr(at)), kUnknownCost, false);
+    // Behind a letter there is no kana that it could go on from.
+    const bool goes_on = at > 0 && GoesOn(run[at]) && !IsLatin(run[at - 1]);
+    if (!goes_on) offer(UnknownLength(run.substr(at)), kUnknownCost, false);
   }
   std::vector<Piece> pieces;
   for (std::size_t at = 0; at < run.size(); at += best[at].length) {

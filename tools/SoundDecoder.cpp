@@ -38,7 +38,6 @@ class SoundDecoder : public AudioDecoder {
   }
 
   std::string Problem() override {
-    if (const std::string problem = OggProblem(*m_view->file); !problem.empty()) return problem;
     const double seconds = SecondsOf(m_frames);
     if (m_length.announced > m_length.present && m_length.present > 0) {
       return EndsAfter(seconds, seconds * static_cast<double>(m_length.announced) /
@@ -74,6 +73,8 @@ class SoundDecoder : public AudioDecoder {
 }  // namespace
 
 OpenedDecoder OpenSound(const InputFile& file, bool& unsupported) {
+  // First: the library loses memory on some OGG files whose pages are damaged.
+  if (std::string problem = OggProblem(file); !problem.empty()) return {nullptr, problem};
   SoundLength length = LengthOf(file);
   auto view = std::make_unique<InputView>(InputView{&file, length.patches});
   SF_INFO info{};

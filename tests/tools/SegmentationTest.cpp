@@ -81,6 +81,9 @@ TEST(SegmentText, KanaThatGoOnStayWithTheirOwn) {
   // A word of the dictionary may begin with one.
   EXPECT_EQ(Cut(L"麺って", cost, kLanguageJapanese), "麺 って");
   EXPECT_EQ(Cut(L"ー", cost, kLanguageJapanese), "ー");
+  // Behind a letter they have none of their own.
+  EXPECT_EQ(Cut(L"uゃne", cost, kLanguageJapanese), "uゃne");
+  EXPECT_EQ(Cut(L"メuー", cost, kLanguageJapanese), "メ uー");
 }
 
 TEST(SegmentText, InlineSegmentsStay) {
