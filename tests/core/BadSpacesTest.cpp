@@ -51,6 +51,12 @@ TEST(LoudGapsPronunOnly, TakeTheSyllableNumberForThePhonemes) {
   EXPECT_EQ(CountLoudGaps(alignment, Ints(40, 100), intensity, 10.0), (Ints{4, 0, 6}));
 }
 
+TEST(LoudGaps, OneSyllableOfOnePhonemeHasTwo) {
+  const AlignmentResult alignment = MakeAlignment(10, {{'a', 2, 7}}, {0});
+  EXPECT_EQ(CountLoudGaps(alignment, Ints(10, 100), Doubles(10, 10.0), 10.0), (Ints{2, 3}));
+  EXPECT_EQ(CountLoudGapsPronunOnly(alignment, Doubles(10, 10.0), 10.0), (Ints{2, 3}));
+}
+
 TEST(LoudGaps, WithoutSyllablesThereIsOneEmptyGap) {
   const AlignmentResult alignment = MakeAlignment(40, {}, {}, {});
   EXPECT_EQ(CountLoudGaps(alignment, Ints(40, 100), Doubles(40, 10.0), 0.0), Ints{0});

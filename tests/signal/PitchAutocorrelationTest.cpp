@@ -242,7 +242,7 @@ TEST(SincInterpolation, MaximaThatParabolasMiss) {
 // The vertex is the sample itself: there is nowhere to move to, though the values farther out tilt
 // the function.
 TEST(SincInterpolation, ASearchThatBeginsAtTheVertexEndsThere) {
-  const std::vector<double> symmetric = Mirrored({1.0, 0.2, 0.6, 0.2, 0.9});
+  const std::vector<double> symmetric = Mirrored({1.0, 0.2, 0.6, 0.2, -0.9});
   EXPECT_NE(PlainSinc(symmetric, 2.001), PlainSinc(symmetric, 1.999));
   const LagMaximum found = RefineMaximum(symmetric, 2);
   EXPECT_EQ(found.lag, 2.0);
