@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "core/AnalyzedAudio.h"
+
 namespace veral3 {
 namespace {
 
@@ -56,6 +58,45 @@ TEST(TopSyllables, AsksForEachThatIsLeftOnceARank) {
   });
   EXPECT_EQ(top, (TopSyllables{4, 3, 2}));
   EXPECT_EQ(asked, (Ints{3, 3, 3, 2, 1}));
+}
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+// Five syllables, each higher, longer and louder than the one before it.
+class Counting final : public AnalyzedAudio {
+ public:
+  using AnalyzedAudio::AnalyzedAudio;
+  int GetNumOfSyllables() override { return 5; }
+  int GetSyllablePitch(int syl) override { return 10 * Asked(syl); }
+  int GetSyllableDuration(int syl) override { return 10 * Asked(syl); }
+  double GetSyllableIntensity(int syl) override { return Asked(syl); }
+
+  Ints m_asked = Ints(5, 0);
+
+ private:
+  int Asked(int syl) {
+    EXPECT_TRUE(syl >= 0 && syl < 5) << syl;
+    ++m_asked.at(static_cast<std::size_t>(syl));
+    return syl;
+  }
+};
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+TEST(TopSyllables, OfARecordingAskNoMore) {
+  using Find = void (AlignedAudio::*)(int*, int*, int*);
+  for (const Find find :
+       {&AlignedAudio::FindHighPitchSyallbles, &AlignedAudio::FindHighIntensitySyallbles,
+        &AlignedAudio::FindLongDurationSyallbles}) {
+    Counting audio(kLanguageEnglish);
+    int first = 9, second = 9, third = 9;
+    (audio.*find)(&first, &second, &third);
+    EXPECT_EQ((Ints{first, second, third}), (Ints{4, 3, 2}));
+    EXPECT_EQ(audio.m_asked, (Ints{3, 3, 3, 2, 1}));
+  }
 }
 
 }  // namespace

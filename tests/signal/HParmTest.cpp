@@ -91,6 +91,7 @@ TEST_F(HParm, KindsThatCannotBeCoded) {
   }
   test::ExpectFatal(6321, "SetUpForCoding: target DISCRETE_E is not a parameterised form",
                     [&] { Code("DISCRETE_E"); });
+  EXPECT_EQ(static_cast<int>(m_config.style), 2);
   test::ExpectFatal(6321, "SetUpForCoding: cannot convert to MFCC_E_A", [&] { Code("MFCC_E_A"); });
 }
 
