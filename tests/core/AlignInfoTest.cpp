@@ -226,6 +226,24 @@ TEST(AlignInfo, ARecordThatNobodyFilledIsZero) {
   EXPECT_EQ(DecodeAlignInfo(std::array<std::uint8_t, kAlignInfoSize>{}), AlignInfo());
 }
 
+TEST(AlignInfo, SoundCountsAreThoseThatThereIsRoomFor) {
+  EXPECT_TRUE(HasSoundCounts(AlignInfo()));
+  AlignInfo most;
+  most.num_phonemes = 128;
+  most.num_syllables = most.num_words = 64;
+  EXPECT_TRUE(HasSoundCounts(most));
+  for (std::int16_t AlignInfo::*const count :
+       {&AlignInfo::num_phonemes, &AlignInfo::num_syllables, &AlignInfo::num_words}) {
+    AlignInfo info = most;
+    ++(info.*count);
+    EXPECT_FALSE(HasSoundCounts(info));
+    info.*count = -1;
+    EXPECT_FALSE(HasSoundCounts(info));
+    info.*count = 0;
+    EXPECT_TRUE(HasSoundCounts(info));
+  }
+}
+
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"

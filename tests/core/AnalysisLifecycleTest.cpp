@@ -492,6 +492,13 @@ TEST_F(HandMadeAnalysis, ThrownByAPhonemeSet) {
   EXPECT_EQ(m_messages.StandardError(),
             "ERROR in AnalyzedAudio::CalculatePhonProbDistr(), no size\n"
             "ERROR in AnalyzedAudio::CalculateUttPronunProb(), no size\n");
+  m_messages.Clear();
+  ASSERT_EQ(m_audio.AddPossibleSentence(L"I ATE"), 1);
+  EXPECT_EQ(m_audio.Align(kCount, m_samples.data()), -1);
+  EXPECT_EQ(m_audio.AlignAgainstTutor(&m_audio, kCount, m_samples.data()), -1);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::Align(), no size\n"
+            "ERROR in AnalyzedAudio::AlignAgainstTutor(), no size\n");
   m_audio.Hand().phoneme_set = PhonemeSetOf(kLanguageEnglish);
 }
 

@@ -21,6 +21,7 @@ TEST(LoudGaps, CountVoicedLoudFramesBetweenSyllables) {
   const Ints pitch(40, 100);
   const Doubles intensity(40, 10.0);
   EXPECT_EQ(CountLoudGaps(TwoSyllables(), pitch, intensity, 10.0), (Ints{4, 5, 6}));
+  EXPECT_EQ(CountLoudGaps(TwoSyllables(), Ints(40, 1), intensity, 10.0), (Ints{4, 5, 6}));
 }
 
 TEST(LoudGaps, UnvoicedFramesDoNotCount) {
