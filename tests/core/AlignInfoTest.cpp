@@ -251,6 +251,83 @@ TEST(AlignInfo, ASentenceWithoutWordsIsARecordOfNothing) {
   EXPECT_EQ(Bytes(record.begin() + 4, record.end()), Bytes(kAlignInfoSize - 4, 0));
 }
 
+TEST(AlignInfo, ARecordThatNobodyFilledIsZero) {
+  EXPECT_EQ(EncodeAlignInfo(AlignInfo()), (std::array<std::uint8_t, kAlignInfoSize>{}));
+  EXPECT_EQ(DecodeAlignInfo(std::array<std::uint8_t, kAlignInfoSize>{}), AlignInfo());
+}
+
+TEST(AlignInfo, SoundCountsAreThoseThatThereIsRoomFor) {
+  EXPECT_TRUE(HasSoundCounts(AlignInfo()));
+  AlignInfo most;
+  most.num_phonemes = 128;
+  most.num_syllables = most.num_words = 64;
+  EXPECT_TRUE(HasSoundCounts(most));
+  for (std::int16_t AlignInfo::*const count :
+       {&AlignInfo::num_phonemes, &AlignInfo::num_syllables, &AlignInfo::num_words}) {
+    AlignInfo info = most;
+    ++(info.*count);
+    EXPECT_FALSE(HasSoundCounts(info));
+    info.*count = -1;
+    EXPECT_FALSE(HasSoundCounts(info));
+    info.*count = 0;
+    EXPECT_TRUE(HasSoundCounts(info));
+  }
+}
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+// Answers for every index, also where there is no such word.
+class AnswersAlways final : public AnalyzedAudio {
+ public:
+  using AnalyzedAudio::AnalyzedAudio;
+  int GetNumOfPhonemes() override { return 2; }
+  const char* GetPhonemes() override { return "abcdef"; }
+  int GetPhonemeStartSampleNum(int phon) override { return 220 * (phon + 1); }
+  int GetPhonemeEndSampleNum(int phon) override { return 220 * (phon + 2); }
+  int GetNumOfSyllables() override { return 2; }
+  int GetSyllableStartPosition(int syl) override { return syl + 1; }
+  int GetSyllablePitch(int syl) override { return syl + 100; }
+  int GetSyllableDuration(int syl) override { return syl + 1; }
+  double GetSyllableIntensity(int syl) override { return syl + 1.0; }
+  int GetSyllableToneOrStress(int) override { return 4; }
+  double GetSylToneProb(int, int) override { return 0.5; }
+  int GetNumOfWords() override { return m_words; }
+  int GetWordStartPosition(int word) override { return word + 5; }
+
+  int m_words = 2;
+};
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+TEST(AlignInfo, NoMoreIsAskedForThanThereIs) {
+  AnswersAlways audio(kLanguageChinese);
+  AlignInfo info;
+  ASSERT_EQ(TakeDown(audio, info), 0);
+  EXPECT_EQ(info.phonemes[1], 'b');
+  EXPECT_EQ(info.phonemes[2], '\0');
+  EXPECT_EQ(info.phoneme_start[1], 2);
+  EXPECT_EQ(info.phoneme_start[2], 0);
+  EXPECT_EQ(info.phoneme_end[1], 3);
+  EXPECT_EQ(info.phoneme_end[2], 0);
+  EXPECT_EQ(info.syllable_start[1], 2);
+  EXPECT_EQ(info.syllable_start[2], 0);
+  EXPECT_EQ(info.syllable_pitch[2], 0);
+  EXPECT_EQ(info.syllable_duration[2], 0);
+  EXPECT_EQ(info.syllable_intensity[2], 0.0F);
+  EXPECT_EQ(info.tone_or_stress[1], 4);
+  EXPECT_EQ(info.tone_or_stress[2], 0);
+  EXPECT_EQ(info.tone_prob[1][4], 50);
+  EXPECT_EQ(info.tone_prob[2][0], 0);
+  EXPECT_EQ(info.word_start[1], 6);
+  EXPECT_EQ(info.word_start[2], 0);
+  audio.m_words = 0;
+  ASSERT_EQ(TakeDown(audio, info), 0);
+  EXPECT_EQ(info.word_start[0], 0);
+}
+
 // Every byte of a record belongs to one field, and to one only.
 TEST(AlignInfo, DecodingAndEncodingGivesTheSameBytes) {
   std::array<std::uint8_t, kAlignInfoSize> bytes;

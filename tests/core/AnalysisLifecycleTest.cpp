@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -366,6 +368,138 @@ TEST_F(HandMadeAnalysis, UtteranceSegmentsAreCopiedAndForgotten) {
   m_audio.Align(0, nullptr);
   EXPECT_EQ(m_audio.GetUttNumOfPitchSegments(), 0);
   EXPECT_EQ(copy.GetUttNumOfPitchSegments(), 7);
+}
+
+// The tables of an alignment are longer than what it holds: the rest is nobody's.
+TEST_F(HandMadeAnalysis, WhatLiesBehindTheCountsIsNotRead) {
+  auto alignment = std::make_shared<AlignmentResult>(
+      test::MakeAlignment(kFrames, {{'A', 10, 20}, {'k', 25, 35}}, {0, 1}, {0, 1}));
+  alignment->matched_sentence_index = 0;
+  alignment->phoneme_start[2] = alignment->phoneme_end[2] = 77;
+  alignment->syllable_start[2] = alignment->syllable_mark[2] = 77;
+  alignment->word_start[2] = 77;
+  alignment->syllable_mark[1] = 1;
+  m_audio.Hand().result = std::move(alignment);
+  EXPECT_EQ(m_audio.GetPhonemeStartSampleNum(1), 25 * 220);
+  EXPECT_EQ(m_audio.GetPhonemeEndSampleNum(1), 35 * 220);
+  EXPECT_EQ(m_audio.GetSyllableStartPosition(1), 1);
+  EXPECT_EQ(m_audio.GetSyllableToneOrStress(1), 1);
+  EXPECT_EQ(m_audio.GetWordStartPosition(1), 1);
+  for (const int behind : {2, 3, 511}) {
+    EXPECT_EQ(m_audio.GetPhonemeStartSampleNum(behind), 0);
+    EXPECT_EQ(m_audio.GetPhonemeEndSampleNum(behind), 0);
+    EXPECT_EQ(m_audio.GetSyllableStartPosition(behind), 0);
+    EXPECT_EQ(m_audio.GetSyllableToneOrStress(behind), 0);
+    EXPECT_EQ(m_audio.GetWordStartPosition(behind), 0);
+  }
+}
+
+TEST_F(HandMadeAnalysis, SegmentsAndTonesFromTheFirstToTheLast) {
+  auto prosody = std::make_shared<ProsodyResult>();
+  prosody->pitch.segments = {{3, 0, 0}, {1, 0, 0}};
+  prosody->pitch.tones = {{0.1, 0.2, 0.3, 0.4, 0.5}, {0.6, 0.7, 0.8, 0.9, 1.0}};
+  m_audio.Hand().prosody = std::move(prosody);
+  EXPECT_EQ(m_audio.GetSylNumOfPitchSegments(0), 3);
+  EXPECT_EQ(m_audio.GetSylNumOfPitchSegments(1), 1);
+  for (const int none : {-1, 2, INT_MAX, INT_MIN}) {
+    EXPECT_EQ(m_audio.GetSylNumOfPitchSegments(none), 0);
+    EXPECT_EQ(m_audio.GetSylToneProb(none, 0), 0.0);
+  }
+  EXPECT_EQ(m_audio.GetSylToneProb(0, 0), 0.1);
+  EXPECT_EQ(m_audio.GetSylToneProb(1, 4), 1.0);
+  for (const int none : {-1, 5, INT_MAX, INT_MIN}) EXPECT_EQ(m_audio.GetSylToneProb(0, none), 0.0);
+}
+
+// Of the gap before syllable 1 the frames, their pitch and the pause's probability.
+TEST_F(HandMadeAnalysis, BadSpacesAloneAreMarkedAnew) {
+  const auto pauses = [this] {
+    std::ostringstream out;
+    EXPECT_EQ(m_audio.SaveSylPauseBadTraits(out), 0);
+    return out.str();
+  };
+  ASSERT_EQ(m_audio.AnalyzePitch(m_samples.data()), 0);
+  ASSERT_EQ(m_audio.AnalyzePronunOnly(m_samples.data()), 0);
+  EXPECT_EQ(pauses(), "1,5,0.042268\n");  // between A and k
+  ASSERT_EQ(m_audio.MarkBadSpaces(), 0);
+  EXPECT_EQ(pauses(), "1,0,0.042268\n");  // between k and I, and voiced
+  ASSERT_EQ(m_audio.MarkBadSpacesPronunOnly(), 0);
+  EXPECT_EQ(pauses(), "1,5,0.042268\n");
+}
+
+// Too short for a frame, which no aligner takes: the first step that misses them says so, and none
+// comes after it.
+TEST_F(HandMadeAnalysis, AStepThatFailsEndsTheAnalysis) {
+  m_audio.Hand().num_samples = 300;
+  EXPECT_EQ(m_audio.Analyze(300, m_samples.data()), -1);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::CountUttPichSegments(), nothing is analysed\n");
+  m_messages.Clear();
+  EXPECT_EQ(m_audio.AnalyzePronunOnly(m_samples.data()), -1);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::MarkBadSyllablesPronunOnly(), nothing is analysed\n");
+}
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+class Throwing final : public AnalyzedAudio {
+ public:
+  using AnalyzedAudio::AnalyzedAudio;
+  LanguageType GetLanguageType() override { throw std::runtime_error("no language"); }
+  int GetUttStartSampleNum() override { throw std::runtime_error("no start"); }
+  int GetNumOfSyllables() override { throw 7; }
+};
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+// What a derived class throws stays inside.
+TEST_F(HandMadeAnalysis, ThrownByADerivedClass) {
+  Throwing audio(kLanguageEnglish);
+  double features[AnalyzedAudio::NUM_UTT_GOODNESS_FEATURES];
+  audio.PrepareUttGoodnessFeatures(features);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::PrepareUttGoodnessFeatures(), no language\n");
+  audio.AddPossibleSentence(L"I ATE");
+  Samples samples = test::ChainRecording("en_learner");
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  ASSERT_EQ(audio.Align(count, samples.data()), 0);
+  m_messages.Clear();
+  EXPECT_EQ(audio.Analyze(count, samples.data()), -1);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::GenerarteWaveformContour(), no start\n");
+  m_messages.Clear();
+  EXPECT_EQ(audio.PrintAlignmentResult(), -1);
+  EXPECT_NE(m_messages.StandardError().find(
+                "ERROR in AnalyzedAudio::PrintAlignmentResult(), unknown error\n"),
+            std::string::npos);
+}
+
+class SetWithoutSize final : public CPhonemeSet {
+ public:
+  SetWithoutSize() : CPhonemeSet("xyz", "xyz", 99) {}
+  int GetSize() const override { throw std::runtime_error("no size"); }
+  bool IsVowel(wchar_t) const override { return false; }
+  bool IsConsonant(wchar_t) const override { return false; }
+};
+
+TEST_F(HandMadeAnalysis, ThrownByAPhonemeSet) {
+  const SetWithoutSize set;
+  m_audio.Hand().phoneme_set = &set;
+  EXPECT_EQ(m_audio.CalculatePhonProbDistr(), -1);
+  EXPECT_EQ(m_audio.CalculateUttPronunProb(), -1);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::CalculatePhonProbDistr(), no size\n"
+            "ERROR in AnalyzedAudio::CalculateUttPronunProb(), no size\n");
+  m_messages.Clear();
+  ASSERT_EQ(m_audio.AddPossibleSentence(L"I ATE"), 1);
+  EXPECT_EQ(m_audio.Align(kCount, m_samples.data()), -1);
+  EXPECT_EQ(m_audio.AlignAgainstTutor(&m_audio, kCount, m_samples.data()), -1);
+  EXPECT_EQ(m_messages.StandardError(),
+            "ERROR in AnalyzedAudio::Align(), no size\n"
+            "ERROR in AnalyzedAudio::AlignAgainstTutor(), no size\n");
+  m_audio.Hand().phoneme_set = PhonemeSetOf(kLanguageEnglish);
 }
 
 #if defined(__GNUC__)

@@ -284,6 +284,16 @@ TEST_F(AnalyzedAudioExports, PrintedToTheLetter) {
                 Repeated("7 ", 128) + "]\n");
 }
 
+// The probability of a good alignment is asked for first, and says what it lacks.
+TEST_F(AnalyzedAudioExports, PrintingSaysWhatTheGoodnessLacks) {
+  MadeAudio audio(static_cast<LanguageType>(9));
+  Fill(audio, test::RecordingArrays());
+  m_messages.Clear();
+  EXPECT_EQ(audio.PrintAlignmentResult(), 0);
+  EXPECT_EQ(m_messages.StandardError(),
+            "Error in AnalyzedAudio::PrepareUttGoodnessFeatures(), unknown LanguageType.\n");
+}
+
 TEST_F(AnalyzedAudioExports, PrintingAnAlignmentThatIsNotAnalysed) {
   AnalyzedAudio audio(kLanguageEnglish);
   Align(audio, "en_learner", L"I READ THE CAT");

@@ -129,7 +129,24 @@ TEST_F(AnalyzedAudioTest, NoSamplesFailsAndForgetsTheOldResult) {
   EXPECT_EQ(m_messages.All(), "ERROR in AnalyzedAudio::Align(), dNumOfSamples <= 0\n");
   EXPECT_EQ(audio.GetNumOfPhonemes(), 0);
   EXPECT_EQ(audio.GetNumOfWords(), 0);
+  EXPECT_EQ(audio.GetNumOfSamples(), 0);
   EXPECT_EQ(audio.GetLogProbOfAlign(), 0.0);
+}
+
+// More phonemes than an alignment holds: there was a best path, and only what it is worth is known.
+TEST_F(AnalyzedAudioTest, AFailedAlignmentKeepsTheProbabilityOfItsPath) {
+  AnalyzedAudio audio(kLanguageEnglish);
+  std::wstring sentence;
+  for (int i = 0; i < 200; ++i) sentence += L"CAT ";
+  ASSERT_EQ(audio.AddPossibleSentence(sentence), 1);
+  Samples samples = test::NoiseBursts(400000, 3);
+  EXPECT_EQ(Align(audio, samples), -1);
+  EXPECT_LT(audio.GetLogProbOfAlign(), -100.0);
+  double features[AnalyzedAudio::NUM_UTT_GOODNESS_FEATURES];
+  audio.PrepareUttGoodnessFeatures(features);
+  EXPECT_EQ(features[12], audio.GetLogProbOfAlign());
+  EXPECT_EQ(audio.GetNumOfPhonemes(), 0);
+  EXPECT_EQ(audio.GetMatchedSentenceIndex(), -1);
 }
 
 TEST_F(AnalyzedAudioTest, ShortRecordingFailsAndTheObjectStaysUsable) {

@@ -21,6 +21,7 @@ TEST(LoudGaps, CountVoicedLoudFramesBetweenSyllables) {
   const Ints pitch(40, 100);
   const Doubles intensity(40, 10.0);
   EXPECT_EQ(CountLoudGaps(TwoSyllables(), pitch, intensity, 10.0), (Ints{4, 5, 6}));
+  EXPECT_EQ(CountLoudGaps(TwoSyllables(), Ints(40, 1), intensity, 10.0), (Ints{4, 5, 6}));
 }
 
 TEST(LoudGaps, UnvoicedFramesDoNotCount) {
@@ -49,6 +50,12 @@ TEST(LoudGapsPronunOnly, TakeTheSyllableNumberForThePhonemes) {
       MakeAlignment(40, {{'s', 4, 8}, {'a', 11, 14}, {'t', 14, 25}, {'o', 25, 34}}, {0, 2});
   EXPECT_EQ(CountLoudGapsPronunOnly(alignment, intensity, 10.0), (Ints{4, 3, 6}));
   EXPECT_EQ(CountLoudGaps(alignment, Ints(40, 100), intensity, 10.0), (Ints{4, 0, 6}));
+}
+
+TEST(LoudGaps, OneSyllableOfOnePhonemeHasTwo) {
+  const AlignmentResult alignment = MakeAlignment(10, {{'a', 2, 7}}, {0});
+  EXPECT_EQ(CountLoudGaps(alignment, Ints(10, 100), Doubles(10, 10.0), 10.0), (Ints{2, 3}));
+  EXPECT_EQ(CountLoudGapsPronunOnly(alignment, Doubles(10, 10.0), 10.0), (Ints{2, 3}));
 }
 
 TEST(LoudGaps, WithoutSyllablesThereIsOneEmptyGap) {

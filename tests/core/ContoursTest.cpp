@@ -42,6 +42,16 @@ TEST(Contours, RunFromZeroTo229) {
   EXPECT_EQ(*std::max_element(contour.begin(), contour.end()), 229);
 }
 
+// A spread of the contour's own height needs no scaling and is drawn as it is.
+TEST(Contours, SpreadOfTheContoursHeightStaysAsItIs) {
+  std::vector<double> intensity(128);
+  for (std::size_t k = 0; k < 128; ++k) intensity[k] = static_cast<double>(k);
+  intensity[127] = 229.5;
+  const Contour contour = IntensityContour(intensity, 0, 128 * 220);
+  for (std::size_t k = 0; k < 127; ++k) EXPECT_EQ(contour[k], static_cast<int>(k));
+  EXPECT_EQ(contour[127], 229);
+}
+
 TEST(Contours, SmallestSpreadOfPitchIsScaled) {
   std::vector<std::int32_t> pitch(50, 100);
   pitch[20] = 101;

@@ -79,6 +79,19 @@ TEST(IntensityConvexity, StandingStillBreaksARun) {
   EXPECT_EQ(IntensityConvexity(intensity).Of(All(intensity)), 0.0);
 }
 
+// Nor does a frame that stands still begin one: after it five steps down are five.
+TEST(IntensityConvexity, StandingStillIsNoStep) {
+  const auto with_pause = [](int steps_after) {
+    std::vector<double> intensity = ZigZag({6});
+    intensity.push_back(intensity.back());
+    for (int i = 0; i < steps_after; ++i) intensity.push_back(intensity.back() - 10.0);
+    for (int i = 0; i < 6; ++i) intensity.push_back(intensity.back() + 10.0);
+    return intensity;
+  };
+  EXPECT_EQ(IntensityConvexity(with_pause(5)).Of(All(with_pause(5))), 0.0);
+  EXPECT_GT(IntensityConvexity(with_pause(6)).Of(All(with_pause(6))), 0.0);
+}
+
 TEST(IntensityConvexity, ReadsFromTheFirstFrameWhereverTheSpanLies) {
   std::vector<double> intensity = ZigZag({6, 6, 6});
   intensity.resize(60, 5.0);  // the span below holds nothing but a constant

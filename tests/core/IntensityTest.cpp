@@ -1,6 +1,8 @@
 #include "core/Intensity.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <limits>
 #include <random>
@@ -34,6 +36,23 @@ TEST(FrameIntensities, EqualTheSumOfEachFrame) {
     for (auto& s : samples) s = static_cast<std::int16_t>(random() & 0xFFFF);
     EXPECT_EQ(FrameIntensities(samples, INT_MAX), SlowIntensities(samples)) << size;
   }
+}
+
+// Of the last frame nothing behind it: there, here, lies memory that nobody may read.
+TEST(FrameIntensities, NothingIsReadBehindTheSamples) {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  void* const memory =
+      mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(memory, MAP_FAILED);
+  auto* const end = reinterpret_cast<std::int16_t*>(static_cast<char*>(memory) + page);
+  ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+  for (const std::size_t size : {551U, 552U, 770U, 771U, 991U}) {
+    const std::span<const std::int16_t> samples(end - size, size);
+    std::fill(end - size, end, std::int16_t{100});
+    const std::vector<double> intensity = FrameIntensities(samples, INT_MAX);
+    EXPECT_EQ(intensity, std::vector<double>((size - 551) / 220 + 1, 551.0 * 10000.0)) << size;
+  }
+  EXPECT_EQ(munmap(memory, 2 * page), 0);
 }
 
 TEST(FrameIntensities, FullScaleIsExact) {

@@ -59,6 +59,12 @@ TEST(PhonemeInput, TakesSparserFramesTowardsTheEnd) {
   EXPECT_EQ(column, expected);
 }
 
+TEST(PhonemeInput, TheFirstFrameOfTheRecordingCounts) {
+  const auto input = Assemble(Ramp(60), {0, 2});
+  for (std::size_t i = 0; i < 2 * kMfccSize; ++i) EXPECT_EQ(input[i], static_cast<float>(i));
+  EXPECT_EQ(input[2 * kMfccSize], 0.0F);
+}
+
 TEST(PhonemeInput, FrameAtThePhonemesEndIsZero) {
   const std::vector<float> column = FirstColumn(Assemble(Ramp(60), {10, 25}));
   EXPECT_EQ(column[10], 39.0F * 23);  // offset 13
@@ -106,7 +112,8 @@ TEST(ClassifyPhonemes, OneBatchOfAllPhonemes) {
                        },
                        {});
   EXPECT_EQ(calls, 1);
-  EXPECT_EQ(result.rows.size(), 3 * kDistributionWidth);
+  EXPECT_EQ(result.rows.size(), 3U * 64);
+  EXPECT_EQ(result.Row(1).data() - result.Row(0).data(), 64);
   ASSERT_EQ(result.Row(2).size(), kDistributionWidth);
   EXPECT_EQ(result.Row(2)[36], 2.0 * (12 * 39 + 36));
   EXPECT_EQ(result.Row(2)[37], 0.0);  // past the set

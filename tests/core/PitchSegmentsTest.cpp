@@ -134,6 +134,14 @@ TEST(UtterancePitchSegments, TwiceTheBackgroundIsNotLoudYet) {
 
 TEST(UtterancePitchSegments, ShorterArrayCounts) {
   const MessageCapture messages;
+  // What lies behind the end of a span would count.
+  const std::vector<std::int32_t> track = Track("VVUUVV");
+  const std::vector<double> loud(6, 9.0);
+  EXPECT_EQ(CountUtterancePitchSegments(track, std::span(loud).first(1), 1.0), 0);
+  EXPECT_EQ(CountUtterancePitchSegments(track, std::span(loud).first(5), 1.0), 1);
+  EXPECT_EQ(CountUtterancePitchSegments(std::span(track).first(1), loud, 1.0), 0);
+  EXPECT_EQ(CountUtterancePitchSegments(std::span(track).first(2), loud, 1.0), 1);
+  EXPECT_EQ(CountUtterancePitchSegments(track, loud, 1.0), 2);
   EXPECT_EQ(CountUtterancePitchSegments(Track("VVVV"), std::vector<double>{9.0}, 1.0), 0);
   EXPECT_EQ(CountUtterancePitchSegments(Track("VV"), std::vector<double>(9, 9.0), 1.0), 1);
 }

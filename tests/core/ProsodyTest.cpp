@@ -196,6 +196,21 @@ TEST(Prosody, SentenceWithoutWordsGivesZeros) {
   EXPECT_EQ(messages.All(), "Error! nNumPitchSegments==0\n");
 }
 
+TEST(Prosody, BeforeAnyStepNothingIsMeasured) {
+  const ProsodyResult result;
+  EXPECT_TRUE(result.pitch.frame.empty());
+  EXPECT_EQ(result.pitch.average_syllable_length, 0);
+  EXPECT_EQ(result.utterance_pitch_segments, 0);
+  EXPECT_EQ(result.pitch_contour, Contour{});
+  EXPECT_EQ(result.intensity_contour, Contour{});
+  EXPECT_EQ(result.intensity.background, 0.0);
+  EXPECT_EQ(result.intensity.mean_speech, 0.0);
+  EXPECT_EQ(result.intensity.loud_frames_before, 0);
+  EXPECT_EQ(result.intensity.loud_frames_after, 0);
+  EXPECT_EQ(result.intensity.speech_to_utterance, 0.0);
+  EXPECT_EQ(PitchSegmentCounts(), (PitchSegmentCounts{0, 0, 0}));
+}
+
 TEST(Prosody, NoPitchTrack) {
   const AlignmentResult alignment = MakeAlignment(30, {{'a', 3, 15}}, {0});
   const std::vector<std::int16_t> samples(220 * 29 + 551, 50);

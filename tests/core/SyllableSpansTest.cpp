@@ -22,6 +22,7 @@ TEST(FrameSpan, ReadsNothingOutside) {
   EXPECT_TRUE(Slice(view, {3, 5}).empty());
   EXPECT_TRUE(Slice(view, {2, 1}).empty());
   EXPECT_TRUE(Slice(view, {INT_MAX, INT_MIN}).empty());
+  EXPECT_EQ(FrameSpan(), (FrameSpan{0, 0}));
   EXPECT_EQ((FrameSpan{INT_MIN, INT_MAX}.Length()), 4294967295);
   EXPECT_EQ(ToInt(4294967295), INT_MAX);
   EXPECT_EQ(ToInt(-4294967295), INT_MIN);

@@ -427,6 +427,28 @@ TEST(PitchRangeEstimate, GapsInTheMiddleDoNotCount) {
   EXPECT_EQ(EstimateRangeOfSorted(two).high, 257.0);
 }
 
+// What lies at the floor or at the ceiling is voiced; with a floor of 0 so is 0.
+TEST(PitchRangeEstimate, TheLimitsThemselvesCount) {
+  CPraPitch track;
+  for (const double frequency : {75.0, 100.0, 120.0, 130.0}) {
+    CPraPitchFrame frame;
+    frame.candidates = {{}, {frequency, 0.9}, {}};
+    track.frames.push_back(frame);
+  }
+  track.nx = 4;
+  track.floor = 75.0;
+  track.ceiling = 130.0;
+  double low = 0.0, high = 0.0;
+  EXPECT_FALSE(CPraAutoCorrPDA().EstimatePitchRange(track, low, high));
+  EXPECT_EQ(low, 75.0);
+  EXPECT_EQ(high, 130.0);
+  track.floor = 0.0;
+  track.frames[2].candidates[1].frequency = 0.0;
+  track.frames[0].candidates[1].frequency = 60.0;
+  EXPECT_FALSE(CPraAutoCorrPDA().EstimatePitchRange(track, low, high));
+  EXPECT_EQ(low, 0.0);
+}
+
 TEST(PitchTrack, AcceptsTheLimitsThemselves) {
   CPraPitch track;
   track.floor = 75.0;

@@ -172,6 +172,29 @@ TEST(CSignalProcessing, StoredMeanTakesThePlaceOfTheUtterances) {
   FrontEnd().ReleaseUtterance();
 }
 
+// The energy is the last column filled, were it the only one.
+TEST(CSignalProcessing, EnergyOfTheLastColumn) {
+  IOConfigRec config;
+  config.silFloor = 50.0F;
+  config.eScale = 0.1F;
+  config.nCols = 2;
+  const std::vector<float> rows = {20.0F, 7.0F, 10.0F, 9.0F};
+  auto copy = rows;
+  config.nUsed = 1;
+  FrontEnd().NormaliseUtteranceEnergy(config, copy.data(), 2);
+  EXPECT_EQ(copy, (std::vector<float>{1.0F, 7.0F, 0.0F, 9.0F}));
+  copy = rows;
+  config.nUsed = 2;
+  FrontEnd().NormaliseUtteranceEnergy(config, copy.data(), 2);
+  EXPECT_EQ(copy[0], 20.0F);
+  EXPECT_EQ(copy[3], 1.0F);
+  EXPECT_NEAR(copy[1], 0.8F, 1e-6F);
+  copy = rows;
+  config.nUsed = 0;
+  FrontEnd().NormaliseUtteranceEnergy(config, copy.data(), 2);
+  EXPECT_EQ(copy, rows);
+}
+
 // The derivatives of the same static columns, however many columns were filled before.
 TEST(CSignalProcessing, DerivativesMayBeAddedAgain) {
   const auto samples = veral3::test::LoadVector<std::int16_t>("mfcc/noise.s16");

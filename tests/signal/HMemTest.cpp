@@ -67,6 +67,36 @@ TEST_F(HMem, StackTakesANewBlockOnlyWhenTheTopOneIsFull) {
   EXPECT_EQ(heap.total_bytes, 400u);
 }
 
+TEST_F(HMem, NothingFitsIntoAFullBlock) {
+  MemHeap heap;
+  CreateHeap(heap, "stack", HeapKind::kMstak, 1, 0.0F, 96, 1000);
+  auto* const first = static_cast<std::byte*>(New(heap, 96));
+  EXPECT_EQ(New(heap, 0), first + 96);
+  EXPECT_EQ(heap.blocks.size(), 1u);
+  New(heap, 1);
+  EXPECT_EQ(heap.blocks.size(), 2u);
+}
+
+// The toolkit's own: all of them stacks of bytes that do not grow.
+TEST_F(HMem, HeapsOfTheToolkit) {
+  FrontEnd();
+  const auto check = [](const char* name, std::size_t least, std::size_t most) {
+    for (const MemHeap* heap : RecordedHeaps()) {
+      if (heap->name != name) continue;
+      EXPECT_EQ(heap->kind, HeapKind::kMstak) << name;
+      EXPECT_EQ(heap->element_size, 1u) << name;
+      EXPECT_EQ(heap->growth, 0.0F) << name;
+      EXPECT_EQ(heap->min_block, least) << name;
+      EXPECT_EQ(heap->max_block, most) << name;
+      return;
+    }
+    ADD_FAILURE() << name;
+  };
+  check("Global Stack", 100000, kAll);
+  check("sigpHeap", 5000, 5000);
+  check("InBuf", 100000, 0x7FFFFFFF);
+}
+
 TEST_F(HMem, BlocksGrowUpToTheMaximum) {
   MemHeap heap;
   CreateHeap(heap, "elements", HeapKind::kMheap, 8, 1.0F, 2, 5);

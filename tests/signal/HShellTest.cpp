@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
 #include "signal/FatalErrors.h"
 #include "support/MessageCapture.h"
+#include "support/Vectors.h"
 
 namespace veral3 {
 namespace {
@@ -30,6 +35,23 @@ TEST_F(HShell, WarningGoesToStandardOutputAndComesBack) {
   EXPECT_EQ(capture.StandardOutput(),
             " WARNING [-5105]odd size 3 in Veral3\n WARNING [+0]nothing in Veral3\n");
   EXPECT_EQ(capture.StandardError(), "");
+}
+
+// What the host has printed comes first. In a child process, which gives its output away.
+TEST_F(HShell, TheHostsOutputIsFlushedFirst) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        const test::ScratchFolder folder;
+        const auto path = folder.Path() / "output";
+        if (std::freopen(path.c_str(), "w", stdout) == nullptr) std::_Exit(9);
+        std::fputs("before", stdout);
+        const bool held_back = std::filesystem::file_size(path) == 0;
+        const test::MessageCapture capture;
+        ReportError(-1, "odd");
+        std::_Exit(held_back && std::filesystem::file_size(path) == 6 ? 3 : 4);
+      },
+      testing::ExitedWithCode(3), "");
 }
 
 TEST_F(HShell, LongMessagesAreWhole) {

@@ -225,7 +225,9 @@ TEST(SincInterpolation, MaximaThatParabolasMiss) {
   for (const Case& c :
        {Case{{1.0, 0.82, 0.89, 0.88}, 2}, Case{{1.0, 0.9, 0.98, 0.95}, 2},
         Case{{1.0, 0.32, 0.99, 0.18, 0.8, 0.97, 0.96}, 5}, Case{{1.0, 0.76, 0.84, 0.95, 0.91}, 3},
-        Case{{1.0, 0.13, 0.73, 0.89, 0.88, 0.12, 0.88, 0.2}, 3}}) {
+        Case{{1.0, 0.13, 0.73, 0.89, 0.88, 0.12, 0.88, 0.2}, 3},
+        Case{{1.0, 0.0, 0.7, 0.7, 0.3, 0.2}, 2},
+        Case{{1.0, 0.5, 0.65, 0.42, 0.52, 0.56, 0.76, 0.95, 0.9}, 7}}) {
     const std::vector<double> symmetric = Mirrored(c.values);
     double best = 0.0;
     for (int step = 0; step < 2000; ++step) {
@@ -242,7 +244,7 @@ TEST(SincInterpolation, MaximaThatParabolasMiss) {
 // The vertex is the sample itself: there is nowhere to move to, though the values farther out tilt
 // the function.
 TEST(SincInterpolation, ASearchThatBeginsAtTheVertexEndsThere) {
-  const std::vector<double> symmetric = Mirrored({1.0, 0.2, 0.6, 0.2, 0.9});
+  const std::vector<double> symmetric = Mirrored({1.0, 0.2, 0.6, 0.2, -0.9});
   EXPECT_NE(PlainSinc(symmetric, 2.001), PlainSinc(symmetric, 1.999));
   const LagMaximum found = RefineMaximum(symmetric, 2);
   EXPECT_EQ(found.lag, 2.0);
