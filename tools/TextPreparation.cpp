@@ -116,15 +116,12 @@ std::string PrepareText(std::string_view text, LanguageType language) {
   const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
   std::wstring prepared;
   for (const wchar_t c : usual) {
-    const wchar_t kept = Prepared(c, english);
-    if (kept == 0) continue;
-    if (kept == L' ' && (prepared.empty() || prepared.back() == L' ')) continue;
-    prepared += kept;
+    if (const wchar_t kept = Prepared(c, english); kept != 0) prepared += kept;
   }
-  if (prepared.ends_with(L' ')) prepared.pop_back();
   int options = UTF8PROC_STABLE | UTF8PROC_COMPOSE;
   if (english) options |= UTF8PROC_STRIPMARK;
-  return Utf8FromWide(Normalized(prepared, options));
+  // The blanks last: a mark that is taken off may have stood between two, or behind the last.
+  return Utf8FromWide(WithSingleBlanks(Normalized(prepared, options)));
 }
 
 std::string PrepareSentence(std::string_view text, LanguageType language, const WordCost& cost) {

@@ -6,9 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 
 #include "support/Vectors.h"
 
@@ -81,10 +83,19 @@ std::string StandardErrorOnTerminal(const std::vector<std::string>& arguments) {
   // Held open, so that what the command wrote is still there when it has ended.
   const int other_end = open(name.c_str(), O_RDWR | O_NOCTTY);
   WaitFor(Start(arguments, "/dev/null", "/dev/null", name));
-  fcntl(terminal, F_SETFL, O_NONBLOCK);
-  std::string text(65536, '\0');
-  const ssize_t got = read(terminal, text.data(), text.size());
-  text.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+  // The terminal hands on what is written when it has time: a mark of our own is the end of it.
+  constexpr std::string_view kEnd = "\x04\x04";
+  if (write(other_end, kEnd.data(), kEnd.size()) != static_cast<ssize_t>(kEnd.size())) {
+    throw std::runtime_error("the terminal takes nothing");
+  }
+  std::string text;
+  while (!text.ends_with(kEnd)) {
+    std::array<char, 4096> block{};
+    const ssize_t got = read(terminal, block.data(), block.size());
+    if (got <= 0) throw std::runtime_error("the terminal gives nothing");
+    text.append(block.data(), static_cast<std::size_t>(got));
+  }
+  text.resize(text.size() - kEnd.size());
   close(other_end);
   close(terminal);
   return text;

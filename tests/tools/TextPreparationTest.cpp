@@ -57,6 +57,7 @@ TEST(PrepareText, QuotesDashesAndSignsPartWords) {
 TEST(PrepareText, BlanksOfEveryKindBecomeOne) {
   EXPECT_EQ(Prepare(L" a\u00A0b\u202Fc\u2007d\u200Be\tf\r\ng\u2028h \u3000 i\u0085"),
             "a b c d e f g h i");
+  EXPECT_EQ(Prepare(L"a \u036F b \u036F"), "a b");  // marks that are taken off part nothing
 }
 
 TEST(PrepareText, InvisibleCharactersGo) {
