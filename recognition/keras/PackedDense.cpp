@@ -15,8 +15,9 @@ PackedDense PackDense(std::size_t inputs, std::size_t outputs, std::span<const d
   packed.weights.assign(packed.panels * inputs * kPanel, 0.0);
   packed.bias.assign(packed.panels * kPanel, 0.0);
   for (std::size_t j = 0; j < outputs; ++j) {
-    double* const column = packed.weights.data() + j / kPanel * inputs * kPanel + j % kPanel;
-    for (std::size_t i = 0; i < inputs; ++i) column[i * kPanel] = weights[j * inputs + i];
+    for (std::size_t i = 0; i < inputs; ++i) {
+      packed.weights[(j / kPanel * inputs + i) * kPanel + j % kPanel] = weights[j * inputs + i];
+    }
   }
   std::copy(bias.begin(), bias.end(), packed.bias.begin());
   packed.finite = std::all_of(weights.begin(), weights.end(),

@@ -193,6 +193,14 @@ TEST_F(DenseKernels, ZeroInputsOfInfiniteWeightsCount) {
   });
 }
 
+TEST_F(DenseKernels, WithoutInputsTheBiasIsLeft) {
+  const Case c{0, 2, 3, {}, {0.25, -1.5}, {}};
+  ForEachKernel([&](const DenseKernel& kernel) { ExpectReferenceBits(kernel, c); });
+  std::vector<double> expected(2);
+  keras::DenseReference(c.weights, c.bias, c.in.data(), expected.data());
+  EXPECT_EQ(expected, c.bias);
+}
+
 TEST_F(DenseKernels, SoftmaxHasTheBitsOfTheActivation) {
   for (std::size_t width = 1; width <= 40; ++width) {
     for (int round = 0; round < 12; ++round) {
