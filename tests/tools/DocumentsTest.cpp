@@ -231,8 +231,8 @@ TEST_F(Documents, NamedFilesAreThere) {
 
 TEST_F(Documents, ContributorsAreToldOfEveryPreset) {
   const std::string text = ReadFile(kSource / "CONTRIBUTING.md");
-  for (const auto& preset :
-       nlohmann::json::parse(ReadFile(kSource / "CMakePresets.json"))["configurePresets"]) {
+  const auto presets = nlohmann::json::parse(ReadFile(kSource / "CMakePresets.json"));
+  for (const auto& preset : presets.at("configurePresets")) {
     if (preset.value("hidden", false)) continue;
     EXPECT_THAT(text, HasSubstr("`" + preset["name"].get<std::string>() + "`"));
   }
