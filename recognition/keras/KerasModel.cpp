@@ -183,8 +183,8 @@ bool KerasModel::is_dense_chain(std::int32_t input_size, std::int32_t output_siz
     }
     size = dense->get_output_units();
   }
-  // An empty layer has no data to hand on; such models go one at a time.
-  return size == output_size && size > 0;
+  // Nothing has no data to start from or hand on; such models go one at a time.
+  return size == output_size && size > 0 && input_size > 0;
 }
 
 void KerasModel::run_dense_chain(const double* inputs, std::size_t count, std::size_t input_size,

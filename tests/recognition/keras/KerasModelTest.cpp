@@ -320,6 +320,26 @@ TEST(KerasModel, BatchResultOfAnotherShape) {
   EXPECT_THAT(outputs, testing::ElementsAre(1, 2, 0, 3, 4, 0));
 }
 
+// A layer that is given nothing is passed over, by whatever way its model is evaluated.
+TEST(KerasModel, BatchesOfNothing) {
+  KerasModel model;
+  ASSERT_EQ(
+      LoadBytes(
+          model,
+          ModelBytes().Header(1, 1).Layer('D').Char('x').Int(0).Int(2).Group({1.0F, 2.0F}).Bytes()),
+      0);
+  const MessageCapture messages;
+  std::vector<const keras::DenseKernel*> kernels = keras::RunnableDenseKernels();
+  kernels.push_back(nullptr);  // one at a time
+  for (const keras::DenseKernel* const kernel : kernels) {
+    Workspace workspace;
+    workspace.kernel = kernel;
+    std::vector<double> outputs(4, 9.0);
+    EXPECT_EQ(model.compute_batch(outputs.data(), 2, 0, outputs.data(), 2, workspace), -1);
+    EXPECT_THAT(outputs, testing::Each(0.0));
+  }
+}
+
 TEST(KerasModel, OneWorkspaceServesSeveralModels) {
   std::mt19937 random(2);
   const KerasModel small = RandomDenseModel({3, 5}, "r", random);
