@@ -7,6 +7,7 @@
 
 #include "common/MessageWriter.h"
 #include "recognition/AlignmentResult.h"
+#include "recognition/Languages.h"
 
 namespace veral3 {
 namespace {
@@ -103,7 +104,7 @@ void TakeDownPhonemes(AlignedAudio& audio, AlignInfo& info) {
 }
 
 void TakeDownSyllables(AlignedAudio& audio, AlignInfo& info) {
-  const bool tonal = audio.GetLanguageType() == kLanguageChinese;
+  const bool tonal = HasTones(audio.GetLanguageType());
   for (int s = 0; s < info.num_syllables; ++s) {
     const std::size_t at = Index(s);
     info.syllable_start[at] = static_cast<std::int16_t>(audio.GetSyllableStartPosition(s));

@@ -6,13 +6,13 @@
 #include "common/MessageWriter.h"
 #include "core/Finite.h"
 #include "core/SyllableSpans.h"
+#include "recognition/Languages.h"
 
 namespace veral3 {
 namespace {
 
 bool IsKnown(const CPhonemeSet& set) {
-  const int id = set.GetIdentifier();
-  return id == CPhonemeSet::kEnglish || id == CPhonemeSet::kChinese || id == CPhonemeSet::kJapanese;
+  return FindLanguageOfPhonemeSet(set.GetIdentifier()) != nullptr;
 }
 
 // The scores of all phonemes, phonemes x set size; empty where there is no model.

@@ -4,6 +4,7 @@
 
 #include "core/SyllablePitch.h"
 #include "core/SyllableSpans.h"
+#include "recognition/Languages.h"
 
 namespace veral3 {
 
@@ -18,7 +19,7 @@ PitchMeasures MeasurePitch(LanguageType language, const AlignmentResult& alignme
     measures.segments.push_back(CountPitchSegments(language, Slice(pitch, span)));
   }
   measures.average_syllable_length = AverageLength(spans);
-  if (language == kLanguageChinese) {
+  if (HasTones(language)) {
     measures.tones = ClassifyTones(pitch, spans, measures.segments, AveragePitch(measures.syllable),
                                    measures.average_syllable_length, scorer);
   } else {

@@ -6,6 +6,7 @@
 #include "recognition/CPhonemeSetKCP.h"
 #include "recognition/CPhonemeSetKEP5.h"
 #include "recognition/CPhonemeSetKJP.h"
+#include "recognition/Languages.h"
 
 int CPhonemeSet::GetPhonemeIndex(char c) const {
   const auto place = std::string_view(m_strFullSet).find(c);
@@ -53,18 +54,8 @@ bool CPhonemeSetKJP::IsConsonant(wchar_t c) const { return Contains(L"pdtXYgkfhc
 namespace veral3 {
 
 const CPhonemeSet* PhonemeSetOf(LanguageType language) {
-  static const CPhonemeSetKEP5 english;
-  static const CPhonemeSetKCP chinese;
-  static const CPhonemeSetKJP japanese;
-  switch (language) {
-    case kLanguageEnglish:
-      return &english;
-    case kLanguageChinese:
-      return &chinese;
-    case kLanguageJapanese:
-      return &japanese;
-  }
-  return nullptr;
+  const LanguageRow* const row = FindLanguage(language);
+  return row == nullptr ? nullptr : row->phonemes;
 }
 
 }  // namespace veral3

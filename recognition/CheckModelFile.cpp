@@ -46,7 +46,8 @@ std::string Check(const char* path, ModelFileType type) {
   }
   const ModelFault fault = FaultOf(path, *needs);
   if (!fault) return "";
-  return name + " cannot be used as the " + needs->name + ": " + fault.fault + "; " + fault.remedy;
+  return name + " cannot be used as the " + NameOf(*needs) + ": " + fault.fault + "; " +
+         fault.remedy;
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "common/MessageWriter.h"
+#include "recognition/Languages.h"
 
 namespace veral3 {
 namespace {
@@ -14,14 +15,16 @@ namespace {
 using DictionaryPointer = std::shared_ptr<const VeralDictionary>;
 
 constexpr std::size_t kPathBuffer = 1024;  // the closing zero included
-constexpr std::array<std::string_view, 3> kFileNames = {"KEN-UTF8Order.txt", "KCN-UTF8Order.txt",
-                                                        "KJP-UTF8Order.txt"};
 
 struct Loaded {
+  Loaded() {
+    for (DictionaryPointer& dictionary : dictionaries) {
+      dictionary = std::make_shared<const VeralDictionary>();
+    }
+  }
+
   std::mutex mutex;
-  std::array<DictionaryPointer, 3> dictionaries = {std::make_shared<const VeralDictionary>(),
-                                                   std::make_shared<const VeralDictionary>(),
-                                                   std::make_shared<const VeralDictionary>()};
+  std::array<DictionaryPointer, kNumLanguages> dictionaries;  // in the order of Languages()
 };
 
 Loaded& TheLoaded() {
@@ -32,10 +35,11 @@ Loaded& TheLoaded() {
 }  // namespace
 
 DictionaryPointer DictionaryOf(LanguageType language) {
-  if (language < kLanguageEnglish || language > kLanguageJapanese) return nullptr;
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return nullptr;
   Loaded& loaded = TheLoaded();
   const std::lock_guard lock(loaded.mutex);
-  return loaded.dictionaries[static_cast<std::size_t>(language - kLanguageEnglish)];
+  return loaded.dictionaries[PlaceOf(*row)];
 }
 
 void LoadDictionaries(const char* folder) noexcept try {
@@ -45,17 +49,17 @@ void LoadDictionaries(const char* folder) noexcept try {
     return;
   }
   const std::string_view prefix(folder);
-  for (const std::string_view name : kFileNames) {
-    if (prefix.size() + name.size() >= kPathBuffer) {
+  for (const LanguageRow& row : Languages()) {
+    if (prefix.size() + std::string_view(row.dictionary).size() >= kPathBuffer) {
       Message(MessageStream::kError)
           << "ERROR in AnalyzedAudio::LoadResourceInFolderPath(), folder path is too long\n";
       return;
     }
   }
-  std::array<DictionaryPointer, 3> dictionaries;
-  for (std::size_t i = 0; i < dictionaries.size(); ++i) {
-    const std::string path = std::string(prefix).append(kFileNames[i]);
-    dictionaries[i] = std::make_shared<const VeralDictionary>(path.c_str());
+  std::array<DictionaryPointer, kNumLanguages> dictionaries;
+  for (const LanguageRow& row : Languages()) {
+    const std::string path = std::string(prefix).append(row.dictionary);
+    dictionaries[PlaceOf(row)] = std::make_shared<const VeralDictionary>(path.c_str());
   }
   Loaded& loaded = TheLoaded();
   const std::lock_guard lock(loaded.mutex);

@@ -12,10 +12,10 @@ namespace veral3 {
 // that names no language. Whoever holds it keeps it through later loads.
 std::shared_ptr<const VeralDictionary> DictionaryOf(LanguageType language);
 
-// Loads KEN-, KCN- and KJP-UTF8Order.txt. Their names are put right behind `folder`, which ends
-// with its separator. Replaces all three at once, by what could be read of them, for those who ask
-// afterwards. A null folder, one whose paths pass 1023 bytes, and memory that runs out are reported
-// and change nothing.
+// Loads the dictionaries of all languages (recognition/Languages.h has their files). Their names
+// are put right behind `folder`, which ends with its separator. Replaces all at once, by what could
+// be read of them, for those who ask afterwards. A null folder, one whose paths pass 1023 bytes,
+// and memory that runs out are reported and change nothing.
 void LoadDictionaries(const char* folder) noexcept;
 
 }  // namespace veral3

@@ -9,6 +9,7 @@
 #include "common/MessageWriter.h"
 #include "common/Unicode.h"
 #include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
 #include "recognition/LineTokens.h"
 
 namespace veral3 {
@@ -40,10 +41,8 @@ void MakeWellFormed(std::string& bytes) {
 }
 
 int PhonemeSetOfTag(std::string_view tag) {
-  if (tag == "EN_KEP5") return CPhonemeSet::kEnglish;
-  if (tag == "TW_KCP") return CPhonemeSet::kChinese;
-  if (tag == "JP_KJP") return CPhonemeSet::kJapanese;
-  return 0;
+  const LanguageRow* const row = FindLanguageOfTag(tag);
+  return row == nullptr ? 0 : row->phonemes->GetIdentifier();
 }
 
 }  // namespace

@@ -94,37 +94,55 @@ ModelFault WrongShape(std::int32_t inputs, std::int32_t outputs, const ModelNeed
   std::string fault = "it has " + Shape(inputs, outputs);
   const std::string wanted = ", not " + Shape(needs.inputs, needs.outputs);
   if (other == all.end()) {
-    return {fault + wanted, std::string("give a file that was made as the ") + needs.name};
+    return {fault + wanted, "give a file that was made as the " + NameOf(needs)};
   }
-  return {fault + " like the " + other->name + wanted,
-          "load it as what it is, or give a file that was made as the " + std::string(needs.name)};
+  return {fault + " like the " + NameOf(*other) + wanted,
+          "load it as what it is, or give a file that was made as the " + NameOf(needs)};
 }
 
 }  // namespace
 
 std::span<const ModelNeeds> AllModelNeeds() {
-  static const std::array<ModelNeeds, 8> needs = [] {
-    const auto size = [](LanguageType language) { return PhonemeSetOf(language)->GetSize(); };
-    const int english = size(kLanguageEnglish);
-    const int chinese = size(kLanguageChinese);
-    const int japanese = size(kLanguageJapanese);
-    constexpr int kFrame = kFrameInputSize;
-    constexpr int kPhoneme = DLPhonClassifier::kInputs;
-    return std::array<ModelNeeds, 8>{{
-        {kFrameModelEnglish, "English frame model", kFrame, 3 * english, true},
-        {kFrameModelChinese, "Chinese frame model", kFrame, 3 * chinese, true},
-        {kFrameModelJapanese, "Japanese frame model", kFrame, 3 * japanese, true},
-        {kToneModelChinese, "Chinese tone model", DLCTToneClassifier::kInputs,
-         DLCTToneClassifier::kTones, true},
-        {kUttGoodnessModel, "utterance goodness model", UGClassifier::kInputs,
-         UGClassifier::kOutputs, false},
-        // What a phoneme sounds like is a share of the sum of all, whatever that is.
-        {kPhonemeModelEnglish, "English phoneme model", kPhoneme, english, false},
-        {kPhonemeModelChinese, "Chinese phoneme model", kPhoneme, chinese, false},
-        {kPhonemeModelJapanese, "Japanese phoneme model", kPhoneme, japanese, false},
-    }};
+  // Up to three a language, and the goodness model of all.
+  struct List {
+    std::array<ModelNeeds, 3 * kNumLanguages + 1> needs{};
+    std::size_t count = 0;
+  };
+  static const List all = [] {
+    List list;
+    const auto add = [&](const ModelNeeds& needs) { list.needs[list.count++] = needs; };
+    for (const LanguageRow& row : Languages()) {
+      const int phonemes = row.phonemes->GetSize();
+      add({row.frame_model.type, ModelUse::kFrames, &row, kFrameInputSize, 3 * phonemes, true});
+      // What a phoneme sounds like is a share of the sum of all, whatever that is.
+      add({row.phoneme_model.type, ModelUse::kPhonemes, &row, DLPhonClassifier::kInputs, phonemes,
+           false});
+      if (row.tone_model) {
+        add({row.tone_model->type, ModelUse::kTones, &row, DLCTToneClassifier::kInputs,
+             DLCTToneClassifier::kTones, true});
+      }
+    }
+    add({kUttGoodnessModel, ModelUse::kGoodness, nullptr, UGClassifier::kInputs,
+         UGClassifier::kOutputs, false});
+    std::ranges::sort(std::span(list.needs).first(list.count), {}, &ModelNeeds::type);
+    return list;
   }();
-  return needs;
+  return std::span(all.needs).first(all.count);
+}
+
+std::string NameOf(const ModelNeeds& needs) {
+  const std::string language = needs.language == nullptr ? "" : needs.language->name;
+  switch (needs.use) {
+    case ModelUse::kFrames:
+      return language + " frame model";
+    case ModelUse::kPhonemes:
+      return language + " phoneme model";
+    case ModelUse::kTones:
+      return language + " tone model";
+    case ModelUse::kGoodness:
+      break;
+  }
+  return "utterance goodness model";
 }
 
 const ModelNeeds* NeedsOf(ModelFileType type) {

@@ -7,15 +7,16 @@
 #include <new>
 
 #include "common/MessageWriter.h"
-#include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
+#include "recognition/ModelFit.h"
 
 namespace veral3 {
 namespace {
 
 struct ModelSet {
-  // English, Chinese, Japanese.
-  std::array<DLFrameClassifier, 3> frame;
-  std::array<DLPhonClassifier, 3> phon;
+  // In the order of Languages().
+  std::array<DLFrameClassifier, kNumLanguages> frame;
+  std::array<DLPhonClassifier, kNumLanguages> phon;
   DLCTToneClassifier tone;
   UGClassifier goodness;
 
@@ -30,38 +31,21 @@ ModelSet& TheModels() {
   return models;
 }
 
-// Place of a language in the arrays of ModelSet; -1 for no language.
-int LanguagePlace(int phoneme_set_identifier) {
-  switch (phoneme_set_identifier) {
-    case CPhonemeSet::kEnglish:
-      return 0;
-    case CPhonemeSet::kChinese:
-      return 1;
-    case CPhonemeSet::kJapanese:
-      return 2;
-    default:
-      return -1;
-  }
-}
-
-bool NamesModel(ModelFileType type) {
-  return (type >= kFrameModelEnglish && type <= kUttGoodnessModel) ||
-         (type >= kPhonemeModelEnglish && type <= kPhonemeModelJapanese);
-}
-
+// Into the classifier that the type belongs to; a type that names no model comes back.
 int Load(ModelSet& models, const char* path, ModelFileType type) {
-  switch (type) {
-    case kToneModelChinese:
+  const ModelNeeds* const needs = NeedsOf(type);
+  if (needs == nullptr) return type;
+  switch (needs->use) {
+    case ModelUse::kFrames:
+      return models.frame[PlaceOf(*needs->language)].LoadFromFile(path);
+    case ModelUse::kPhonemes:
+      return models.phon[PlaceOf(*needs->language)].LoadFromFile(path);
+    case ModelUse::kTones:
       return models.tone.LoadFromFile(path);
-    case kUttGoodnessModel:
-      return models.goodness.LoadFromFile(path);
-    case kFrameModelEnglish:
-    case kFrameModelChinese:
-    case kFrameModelJapanese:
-      return models.frame[static_cast<std::size_t>(type)].LoadFromFile(path);
-    default:
-      return models.phon[static_cast<std::size_t>(type - kPhonemeModelEnglish)].LoadFromFile(path);
+    case ModelUse::kGoodness:
+      break;
   }
+  return models.goodness.LoadFromFile(path);
 }
 
 // Shuts analyses out while a model is loaded, if none is running.
@@ -92,13 +76,13 @@ class ExclusiveUse {
 }  // namespace
 
 const DLFrameClassifier* FrameClassifierOf(int phoneme_set_identifier) {
-  const int place = LanguagePlace(phoneme_set_identifier);
-  return place < 0 ? nullptr : &TheModels().frame[static_cast<std::size_t>(place)];
+  const LanguageRow* const row = FindLanguageOfPhonemeSet(phoneme_set_identifier);
+  return row == nullptr ? nullptr : &TheModels().frame[PlaceOf(*row)];
 }
 
 const DLPhonClassifier* PhonClassifierOf(int phoneme_set_identifier) {
-  const int place = LanguagePlace(phoneme_set_identifier);
-  return place < 0 ? nullptr : &TheModels().phon[static_cast<std::size_t>(place)];
+  const LanguageRow* const row = FindLanguageOfPhonemeSet(phoneme_set_identifier);
+  return row == nullptr ? nullptr : &TheModels().phon[PlaceOf(*row)];
 }
 
 const DLCTToneClassifier& ToneClassifier() { return TheModels().tone; }
@@ -119,7 +103,7 @@ ModelsInUse::~ModelsInUse() {
 }
 
 int LoadModelFile(const char* path, ModelFileType type) {
-  if (!NamesModel(type)) return type;
+  if (NeedsOf(type) == nullptr) return type;
   if (!path) {
     Message(MessageStream::kError) << "ERROR in AnalyzedAudio::LoadModelFile(), no path given.\n";
     return -1;

@@ -5,16 +5,14 @@
 #include "common/MessageWriter.h"
 #include "common/Unicode.h"
 #include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
 
 namespace veral3 {
 namespace {
 
 bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
-bool IsKnown(int phoneme_set) {
-  return phoneme_set == CPhonemeSet::kEnglish || phoneme_set == CPhonemeSet::kChinese ||
-         phoneme_set == CPhonemeSet::kJapanese;
-}
+bool IsKnown(int phoneme_set) { return FindLanguageOfPhonemeSet(phoneme_set) != nullptr; }
 
 template <typename Predicate>
 std::size_t SkipWhile(std::wstring_view text, std::size_t position, Predicate predicate) {

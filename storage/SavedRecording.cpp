@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "common/MessageWriter.h"
+#include "recognition/Languages.h"
 
 namespace veral3 {
 namespace {
@@ -20,15 +21,8 @@ void List(Message& out, const char* name, int count, Value value) {
 }
 
 const char* NameOf(LanguageType language) {
-  switch (language) {
-    case kLanguageEnglish:
-      return "EN";
-    case kLanguageChinese:
-      return "ZH";
-    case kLanguageJapanese:
-      return "JP";
-  }
-  return "Error!";
+  const LanguageRow* const row = FindLanguage(language);
+  return row == nullptr ? "Error!" : row->record_code;
 }
 
 void DumpPhonemes(Message& out, AlignedAudio& audio, const AlignInfo& info) {

@@ -1,5 +1,7 @@
 #include "tools/AdviceTexts.h"
 
+#include "recognition/Languages.h"
+
 namespace veral3::tools {
 
 std::string_view NameOf(AdviceKind kind) {
@@ -17,7 +19,7 @@ std::string_view NameOf(AdviceKind kind) {
 std::vector<AdviceText> AdviceTextsOf(AdviceKind kind, LanguageType language) {
   switch (kind) {
     case AdviceKind::kPitch:
-      if (language == kLanguageChinese) {
+      if (HasTones(language)) {
         std::vector<AdviceText> tones;
         for (char tone = '0'; tone <= '4'; ++tone) {
           tones.push_back({tone, "said most like " + ToneText(tone - '0')});

@@ -7,7 +7,6 @@
 
 #include "tools/AlignJobs.h"
 #include "tools/Console.h"
-#include "tools/Languages.h"
 #include "tools/ReportWriter.h"
 #include "tools/RunReports.h"
 
@@ -82,7 +81,7 @@ int RunAlign(const AlignOptions& options) {
   if (!problem.empty()) return fail(problem);
   if (!LoadFor(options, ResourceUse::kAlign, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   const std::vector<std::string> recordings = RecordingNames(files);
   return RunReports(
       target, files, options.jobs,

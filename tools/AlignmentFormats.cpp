@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "common/Unicode.h"
+#include "recognition/Languages.h"
 #include "tools/AlignmentJson.h"
-#include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
 #include "tools/TextCells.h"

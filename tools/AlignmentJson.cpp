@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "common/Unicode.h"
-#include "tools/Languages.h"
+#include "recognition/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
 

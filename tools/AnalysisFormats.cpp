@@ -6,8 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "recognition/Languages.h"
 #include "tools/CsvColumns.h"
-#include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
 #include "tools/TextCells.h"
@@ -191,7 +191,7 @@ std::string AnalysisTable(const AnalysisReport& report) {
     indent = std::max(indent, DisplayWidth(PrintableText(word.text)) + 2);
   }
   TableText table(indent);
-  table.Head(alignment.language == kLanguageChinese ? "tone" : "stress");
+  table.Head(HasTones(alignment.language) ? "tone" : "stress");
 
   auto pause = report.pauses.begin();
   const auto pauses_before = [&](int phoneme) {

@@ -9,6 +9,7 @@
 #include "core/AnalyzedAudio.h"
 #include "core/Tones.h"
 #include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
 #include "signal/CWaveFrameDef.h"
 
 namespace veral3::tools {
@@ -64,8 +65,8 @@ SyllableMeasures MeasuresOfSyllable(AnalyzedAudio& audio, int i, bool has_tones)
   measures.intensity = audio.GetSyllableIntensity(i);
   measures.intensity_db = Decibels(measures.intensity / kFullScale);
   const LanguageType language = audio.GetLanguageType();
-  if (language == kLanguageEnglish) measures.stress = audio.GetSyllableToneOrStress(i);
-  if (language == kLanguageChinese) measures.tone = audio.GetSyllableToneOrStress(i);
+  if (HasStress(language)) measures.stress = audio.GetSyllableToneOrStress(i);
+  if (HasTones(language)) measures.tone = audio.GetSyllableToneOrStress(i);
   if (has_tones) {
     for (int tone = 0; tone < kToneClassCount; ++tone) {
       measures.tone_probabilities.push_back(audio.GetSylToneProb(i, tone));

@@ -8,7 +8,6 @@
 #include "tools/AnalysisFormats.h"
 #include "tools/AnalyzeJobs.h"
 #include "tools/Console.h"
-#include "tools/Languages.h"
 #include "tools/ReportWriter.h"
 #include "tools/RunReports.h"
 
@@ -52,7 +51,7 @@ int RunAnalyze(const ReadingOptions& options) {
   if (!problem.empty()) return fail(problem);
   if (!LoadFor(options, ResourceUse::kMeasure, console)) return kWrongUsage;
   if (!PlanFor(options, *jobs, console)) return kWrongUsage;
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   return RunReports(
       target, files, options.jobs,
       [&](std::size_t i) {

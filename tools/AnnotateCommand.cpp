@@ -7,7 +7,6 @@
 
 #include "tools/Annotation.h"
 #include "tools/Console.h"
-#include "tools/Languages.h"
 #include "tools/ReportWriter.h"
 #include "tools/RunReports.h"
 
@@ -44,7 +43,7 @@ int RunAnnotate(const RecordingOptions& options) {
   if (format == Format::kCsv) target.header = CsvHeader();
   if (const std::string error = CheckTarget(target, files); !error.empty()) return fail(error);
   if (!LoadFor(options, ResourceUse::kAnnotate, console)) return kWrongUsage;
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   return RunReports(
       target, files, options.jobs,
       [&](std::size_t i) {

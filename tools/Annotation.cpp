@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "recognition/Languages.h"
 #include "signal/HighPassFilter.h"
 #include "storage/AnnotatedAudio.h"
 #include "tools/AlignJobs.h"
@@ -10,7 +11,6 @@
 #include "tools/AudioFile.h"
 #include "tools/EngineMessages.h"
 #include "tools/EngineWords.h"
-#include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
 

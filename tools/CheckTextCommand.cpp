@@ -8,11 +8,11 @@
 #include <string_view>
 
 #include "common/Unicode.h"
+#include "recognition/Languages.h"
 #include "tools/Console.h"
 #include "tools/ExitStatus.h"
 #include "tools/Kana.h"
 #include "tools/LanguageOption.h"
-#include "tools/Languages.h"
 #include "tools/Pinyin.h"
 #include "tools/PrintableText.h"
 #include "tools/Resources.h"
@@ -36,7 +36,7 @@ bool IsHan(wchar_t c) {
 }
 
 // Why a word does not go with a reading, as the rest of a sentence about it; "" when it does.
-std::string Misfit(std::wstring_view word, const Reading& reading, LanguageType language) {
+std::string Misfit(std::wstring_view word, const Reading& reading, ReadingScript script) {
   if (word.empty() ||
       std::ranges::any_of(word, [](wchar_t c) { return c == L'|' || IsWideSpace(c); })) {
     return "is no word: one without blanks and bars is given its pronunciation";
@@ -45,7 +45,7 @@ std::string Misfit(std::wstring_view word, const Reading& reading, LanguageType 
   const auto characters = static_cast<std::size_t>(std::ranges::count_if(word, IsHan));
   const std::size_t syllables = reading.starts.size();
   const bool fits = characters == word.size() ? syllables == characters : syllables > characters;
-  if (language != kLanguageChinese || characters == 0 || fits) return "";
+  if (script != ReadingScript::kPinyin || characters == 0 || fits) return "";
   const auto counted = [](std::size_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
   };
@@ -53,25 +53,37 @@ std::string Misfit(std::wstring_view word, const Reading& reading, LanguageType 
          counted(syllables, "syllable");
 }
 
+// "pinyin (--lang zh) or kana (--lang ja)".
+std::string ScriptsOfReadings() {
+  std::string scripts;
+  for (const LanguageRow& row : Languages()) {
+    if (row.reading == ReadingScript::kSounds) continue;
+    scripts += (scripts.empty() ? "" : " or ") + std::string(ReadingName(row.reading)) +
+               " (--lang " + row.code + ")";
+  }
+  return scripts;
+}
+
 // Prints each word with the inline pronunciation of the reading.
 int PrintInline(const CheckTextOptions& options, LanguageType language, Console& console) {
-  if (language == kLanguageEnglish) {
-    console.Error("--reading takes pinyin (--lang zh) or kana (--lang ja)");
+  const ReadingScript script = FindLanguage(language)->reading;
+  if (script == ReadingScript::kSounds) {
+    console.Error("--reading takes " + ScriptsOfReadings());
     return kWrongUsage;
   }
-  const bool chinese = language == kLanguageChinese;
+  const bool pinyin = script == ReadingScript::kPinyin;
   const auto reading =
-      chinese ? ReadPinyin(*options.reading) : ReadKana(WideFromUtf8(*options.reading));
+      pinyin ? ReadPinyin(*options.reading) : ReadKana(WideFromUtf8(*options.reading));
   if (!reading) {
     console.Error("cannot read \"" + Shortened(*options.reading) + "\": " +
-                  (chinese ? "write pinyin syllables with tone digits, parted by blanks"
-                           : "write hiragana or katakana"));
+                  (pinyin ? "write pinyin syllables with tone digits, parted by blanks"
+                          : "write hiragana or katakana"));
     return kWrongUsage;
   }
   std::string lines;
   for (const std::string& text : options.texts) {
     const std::wstring word = WideFromUtf8(PrintableText(text));
-    if (const std::string misfit = Misfit(word, *reading, language); !misfit.empty()) {
+    if (const std::string misfit = Misfit(word, *reading, script); !misfit.empty()) {
       console.Error("\"" + text + "\" " + misfit);
       return kWrongUsage;
     }
@@ -109,7 +121,7 @@ CLI::App* AddCheckTextCommand(CLI::App& app, CheckTextOptions& options) {
 namespace {
 
 int Check(const CheckTextOptions& options, Console& console) {
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   std::vector<std::string> texts = options.texts;
   if (options.text_file) {
     const auto lines = ReadLines(*options.text_file);

@@ -5,11 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "common/LanguageType.h"
+
 namespace veral3::tools {
 
 // What `veral3 check-text` was asked for.
 struct CheckTextOptions {
-  std::string language = "en";
+  LanguageType language{};
   std::vector<std::string> texts;
   std::optional<std::string> text_file;
   std::optional<std::string> reading;

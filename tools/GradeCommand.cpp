@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "recognition/Languages.h"
 #include "tools/GradeFormats.h"
 #include "tools/GradeJobs.h"
 #include "tools/GradePage.h"
-#include "tools/Languages.h"
 #include "tools/OutputFile.h"
 #include "tools/RunReports.h"
 #include "tools/Shortened.h"
@@ -68,7 +68,7 @@ TutorPlan PlanTutor(const GradeOptions& options) {
     plan.input = std::move(*input);
     return plan;
   }
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   Result<TutorFile> file = LoadTutor(*input);
   if (!file) {
     plan.error = file.Error();
@@ -132,7 +132,7 @@ TutorOfJobs TakeTutor(const GradeOptions& options, TutorPlan plan, std::vector<A
   TutorOfJobs taken;
   taken.errors.resize(jobs.size());
   if (!options.tutor) return taken;
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   AlignJob job{*options.tutor, jobs.front().sentences, jobs.front().prepared};
   if (plan.stored) {
     // A sentence of the tutor's own, prepared as the learners' are.
@@ -232,7 +232,7 @@ int RunGrade(GradeOptions options) {
   const TutorOfJobs taken = TakeTutor(options, std::move(plan), *jobs, console);
   if (!taken.usable) return kWrongUsage;
   const Tutor* const tutor = taken.tutor ? &*taken.tutor : nullptr;
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   std::vector<GradeReport> reports(jobs->size());
   int status = RunReports(
       target, files, options.jobs,

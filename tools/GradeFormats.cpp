@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "recognition/Languages.h"
 #include "tools/AdviceTexts.h"
 #include "tools/CsvColumns.h"
-#include "tools/Languages.h"
 #include "tools/PrintableText.h"
 
 namespace veral3::tools {

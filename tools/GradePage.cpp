@@ -5,10 +5,10 @@
 #include <cmath>
 #include <utility>
 
+#include "recognition/Languages.h"
 #include "tools/AdviceTexts.h"
 #include "tools/GradeFigures.h"
 #include "tools/HtmlText.h"
-#include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PageStyle.h"
 
@@ -252,7 +252,7 @@ class Article {
     if (grade.unnecessary_pause.value_or(false)) {
       told.push_back("a long pause before it where the tutor makes none");
     }
-    if (language == kLanguageChinese) {
+    if (HasTones(language)) {
       if (grade.learner_tone && grade.tutor_tone && *grade.tutor_tone != *grade.learner_tone) {
         told.push_back("said like " + ToneText(*grade.learner_tone) + ", the tutor like " +
                        ToneText(*grade.tutor_tone));

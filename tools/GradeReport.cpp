@@ -7,6 +7,7 @@
 #include "core/Tones.h"
 #include "grading/GradedAudio.h"
 #include "grading/TotalScore.h"
+#include "recognition/Languages.h"
 #include "tools/Numbers.h"
 
 namespace veral3::tools {
@@ -21,7 +22,7 @@ WordGrade GradeOfWord(GradedAudio& learner, int i) {
   grade.scores = {learner.GetWordScore(i), learner.GetWordPronunScore(i),
                   learner.GetWordPitchScore(i), learner.GetWordTimingScore(i),
                   learner.GetWordIntensityScore(i)};
-  if (learner.GetLanguageType() == kLanguageEnglish) {
+  if (HasStress(learner.GetLanguageType())) {
     grade.contrasts = {Finite(learner.GetWordPitchConstrast(i)),
                        Finite(learner.GetWordTimingConstrast(i)),
                        Finite(learner.GetWordIntensityConstrast(i))};
@@ -45,7 +46,7 @@ SyllableGrade GradeOfSyllable(GradedAudio& learner, AlignedAudio& tutor, int i) 
   grade.timing_advice = learner.GetSyllableTimingAdvice(i);
   grade.intensity_advice = learner.GetSyllableIntensityAdvice(i);
   grade.unnecessary_pause = learner.GetSyllableUnnecessaryPause(i);
-  if (learner.GetLanguageType() == kLanguageChinese) {
+  if (HasTones(learner.GetLanguageType())) {
     if (HasTone(tutor, i)) grade.tutor_tone = learner.GetCorrectTone(i);
     if (HasTone(learner, i)) grade.learner_tone = learner.GetStudentTone(i);
   }

@@ -1,13 +1,12 @@
 #include "tools/Inspection.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <fstream>
 #include <utility>
 
 #include "common/MessageWriter.h"
-#include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
 #include "recognition/ModelFit.h"
 #include "recognition/VeralDictionary.h"
 #include "recognition/keras/Layer.h"
@@ -16,16 +15,12 @@
 #include "tools/AudioFile.h"
 #include "tools/Checksum.h"
 #include "tools/EngineMessages.h"
-#include "tools/Languages.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
 #include "tools/TutorFile.h"
 
 namespace veral3::tools {
 namespace {
-
-constexpr std::array<LanguageType, 3> kLanguages = {kLanguageEnglish, kLanguageChinese,
-                                                    kLanguageJapanese};
 
 constexpr std::uintmax_t kMaxFileSize = std::uintmax_t{1} << 30;
 constexpr std::uintmax_t kMaxDictionarySize = std::uintmax_t{1} << 26;  // it is read whole
@@ -39,17 +34,9 @@ std::string DateText(std::uint32_t date) {
 }
 
 const char* VarietyName(HLYFile::SubL2Type variety) {
-  switch (variety) {
-    case HLYFile::kSubL2American:
-      return "American English";
-    case HLYFile::kSubL2Taiwan:
-      return "Mandarin as spoken in Taiwan";
-    case HLYFile::kSubL2Tokyo:
-      return "Tokyo Japanese";
-    case HLYFile::kSubL2Unknown:
-      break;
-  }
-  return "unknown";
+  const auto& rows = Languages();
+  const auto row = std::ranges::find(rows, variety, &LanguageRow::variety);
+  return row == rows.end() ? "unknown" : row->variety_name;
 }
 
 void AddTutor(TutorFile& tutor, OrderedJson& json) {
@@ -116,23 +103,15 @@ OrderedJson LayerJson(const keras::LayerOutline& layer) {
   return json;
 }
 
-const char* UseName(ModelFileType type) {
-  switch (type) {
-    case kFrameModelEnglish:
-      return "frames, English";
-    case kFrameModelChinese:
-      return "frames, Chinese";
-    case kFrameModelJapanese:
-      return "frames, Japanese";
-    case kPhonemeModelEnglish:
-      return "phonemes, English";
-    case kPhonemeModelChinese:
-      return "phonemes, Chinese";
-    case kPhonemeModelJapanese:
-      return "phonemes, Japanese";
-    case kToneModelChinese:
+std::string UseName(const ModelNeeds& needs) {
+  switch (needs.use) {
+    case ModelUse::kFrames:
+      return std::string("frames, ") + needs.language->name;
+    case ModelUse::kPhonemes:
+      return std::string("phonemes, ") + needs.language->name;
+    case ModelUse::kTones:
       return "tones";
-    case kUttGoodnessModel:
+    case ModelUse::kGoodness:
       break;
   }
   return "utterance goodness";
@@ -150,24 +129,13 @@ std::string AddModel(const std::filesystem::path& path, OrderedJson& json) {
   }
   OrderedJson uses = OrderedJson::array();
   for (const ModelNeeds& needs : AllModelNeeds()) {
-    if (!Misfit(model, needs)) uses.push_back(UseName(needs.type));
+    if (!Misfit(model, needs)) uses.push_back(UseName(needs));
   }
   json["version"] = model.version;
   json["dense_weights"] = weights;
   json["fits"] = std::move(uses);
   json["layers"] = std::move(layers);
   return "";
-}
-
-const char* TagOf(int phoneme_set) {
-  switch (phoneme_set) {
-    case CPhonemeSet::kEnglish:
-      return "EN_KEP5";
-    case CPhonemeSet::kChinese:
-      return "TW_KCP";
-    default:
-      return "JP_KJP";
-  }
 }
 
 std::vector<std::string> FirstFields(std::string_view bytes) {
@@ -187,8 +155,7 @@ std::vector<std::string> FirstFields(std::string_view bytes) {
 }
 
 bool IsDictionaryHead(const std::vector<std::string>& fields) {
-  return fields.size() == 4 &&
-         (fields[2] == "EN_KEP5" || fields[2] == "TW_KCP" || fields[2] == "JP_KJP");
+  return fields.size() == 4 && FindLanguageOfTag(fields[2]) != nullptr;
 }
 
 // The number that a field begins with, as the engine reads it; null where it has none.
@@ -210,12 +177,9 @@ void AddDictionary(const std::filesystem::path& path, const std::vector<std::str
     }
   }
   json["format_version"] = head[1];
-  json["phoneme_set"] = TagOf(file.phoneme_set);
-  for (const LanguageType language : kLanguages) {
-    if (PhonemeSetOf(language)->GetIdentifier() == file.phoneme_set) {
-      json["language"] = LanguageCode(language);
-    }
-  }
+  const LanguageRow* const row = FindLanguageOfTag(head[2]);
+  json["phoneme_set"] = row->phoneme_tag;
+  json["language"] = row->code;
   json["announced_words"] = NumberOf(head[3]);
   json["words"] = file.words.size();
   json["pronunciations"] = usable;

@@ -2,31 +2,27 @@
 
 #include <CLI/Validators.hpp>
 
-#include "tools/Languages.h"
+#include "recognition/Languages.h"
 
 namespace veral3::tools {
 namespace {
 
-// Puts the code of a language in place of what stands for it; what is wrong, or "".
-std::string ToCode(std::string& text) {
-  const std::string wanted = CLI::detail::to_lower(text);
-  for (const LanguageType language : {kLanguageEnglish, kLanguageChinese, kLanguageJapanese}) {
-    const std::string code(LanguageCode(language));
-    if (wanted == code || wanted == CLI::detail::to_lower(std::string(LanguageName(language)))) {
-      text = code;
-      return "";
-    }
-  }
-  return "\"" + text + "\" is none of en, zh, ja";
+// What is wrong with a language's name, or "".
+std::string Problem(const std::string& text) {
+  return FindLanguage(text) != nullptr ? "" : "\"" + text + "\" is none of " + LanguageCodes(", ");
 }
 
 }  // namespace
 
-void AddLanguageOption(CLI::App& command, std::string& language, const std::string& description) {
-  command.add_option("--lang", language, description)
-      ->transform(CLI::Validator(ToCode, ""))
+void AddLanguageOption(CLI::App& command, LanguageType& language, const std::string& description) {
+  command
+      .add_option_function<std::string>(
+          "--lang",
+          [&language](const std::string& text) { language = FindLanguage(text)->language; },
+          description)
+      ->check(CLI::Validator(Problem, ""))
       ->required()
-      ->type_name("en|zh|ja");
+      ->type_name(LanguageCodes("|"));
 }
 
 }  // namespace veral3::tools

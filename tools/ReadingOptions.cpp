@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "recognition/Languages.h"
 #include "tools/LanguageOption.h"
-#include "tools/Languages.h"
 #include "tools/SentencePlan.h"
 #include "tools/TextFiles.h"
 
@@ -112,7 +112,7 @@ std::vector<std::string> FilesOf(const std::vector<AlignJob>& jobs) {
 }
 
 bool LoadFor(const RecordingOptions& options, ResourceUse use, Console& console) {
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   const auto folder = FindResources(options.resources, language);
   if (!folder) {
     console.Error(folder.Error());
@@ -132,7 +132,7 @@ bool LoadFor(const RecordingOptions& options, ResourceUse use, Console& console)
 }
 
 bool PlanFor(const ReadingOptions& options, std::vector<AlignJob>& jobs, Console& console) {
-  const SentencePlan plan = PlanSentences(jobs, LanguageOf(options.language), options.skip_unknown);
+  const SentencePlan plan = PlanSentences(jobs, options.language, options.skip_unknown);
   console.Lines(plan.messages);
   return plan.usable;
 }

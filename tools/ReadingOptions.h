@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "common/LanguageType.h"
 #include "tools/AlignJobs.h"
 #include "tools/AlignmentFormats.h"
 #include "tools/Console.h"
@@ -24,7 +25,7 @@ namespace veral3::tools {
 
 // Recordings of any content.
 struct RecordingOptions {
-  std::string language = "en";
+  LanguageType language{};
   std::vector<std::string> files;
   std::string format = "table";
   std::string output;

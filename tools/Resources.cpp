@@ -9,56 +9,29 @@
 #include "recognition/CPhonemeSet.h"
 #include "recognition/CheckModelFile.h"
 #include "recognition/Dictionaries.h"
+#include "recognition/Languages.h"
 #include "recognition/Models.h"
 #include "tools/EngineMessages.h"
-#include "tools/Languages.h"
 #include "tools/PrintableText.h"
 
 namespace veral3::tools {
 namespace {
 
-struct LanguageFiles {
-  const char* dictionary;
-  const char* frame_model;
-  ModelFileType frame_model_type;
-  const char* phoneme_model;
-  ModelFileType phoneme_model_type;
-};
-
 // A model that some uses can do without.
 struct OptionalModel {
-  const char* file;
-  ModelFileType type;
+  LanguageModel model;
   const char* purpose;  // what is not measured without it
 };
 
-constexpr OptionalModel kToneModel = {"ChineseTone.model", kToneModelChinese, "tones"};
-constexpr OptionalModel kGoodnessModel = {"UttGoodness.model", kUttGoodnessModel,
-                                          "the probability that the sentence was read at all"};
-
-LanguageFiles FilesOf(LanguageType language) {
-  switch (language) {
-    case kLanguageChinese:
-      return {"KCN-UTF8Order.txt", "ChineseFrame.model", kFrameModelChinese, "ChinesePhon.model",
-              kPhonemeModelChinese};
-    case kLanguageJapanese:
-      return {"KJP-UTF8Order.txt", "JapaneseFrame.model", kFrameModelJapanese, "JapanesePhon.model",
-              kPhonemeModelJapanese};
-    case kLanguageEnglish:
-      break;
-  }
-  return {"KEN-UTF8Order.txt", "EnglishFrame.model", kFrameModelEnglish, "EnglishPhon.model",
-          kPhonemeModelEnglish};
-}
-
-std::vector<OptionalModel> OptionalModelsOf(LanguageType language) {
-  const LanguageFiles files = FilesOf(language);
-  std::vector<OptionalModel> models = {
-      {files.phoneme_model, files.phoneme_model_type, "what each phoneme sounds like"}};
-  if (language == kLanguageChinese) models.push_back(kToneModel);
-  models.push_back(kGoodnessModel);
+std::vector<OptionalModel> OptionalModelsOf(const LanguageRow& row) {
+  std::vector<OptionalModel> models = {{row.phoneme_model, "what each phoneme sounds like"}};
+  if (row.tone_model) models.push_back({*row.tone_model, "tones"});
+  models.push_back({{"UttGoodness.model", kUttGoodnessModel},
+                    "the probability that the sentence was read at all"});
   return models;
 }
+
+constexpr const char* kNoLanguage = "no language that Veral3 knows";
 
 // What the engine wrote of files in a folder, whose name shall add no lines to it.
 std::string WithPrintableFolder(std::string messages, const std::filesystem::path& folder) {
@@ -93,7 +66,7 @@ std::vector<std::filesystem::path> Folders(const std::optional<std::filesystem::
 
 // The first of the folders that has all `files`.
 Result<std::filesystem::path> FindFiles(const std::optional<std::filesystem::path>& given,
-                                        LanguageType language,
+                                        const LanguageRow& row,
                                         const std::vector<std::string>& files) {
   std::error_code error;
   std::string looked;
@@ -108,31 +81,36 @@ Result<std::filesystem::path> FindFiles(const std::optional<std::filesystem::pat
   std::string names;
   for (const std::string& file : files) names += (names.empty() ? "" : " and ") + file;
   return Result<std::filesystem::path>::Failure(
-      "no resources for " + std::string(LanguageName(language)) + " (" + names + "); looked in " +
-      looked + (given ? "" : "; --resources names another folder"));
+      "no resources for " + std::string(row.name) + " (" + names + "); looked in " + looked +
+      (given ? "" : "; --resources names another folder"));
 }
 
 }  // namespace
 
 Result<std::filesystem::path> FindResources(const std::optional<std::filesystem::path>& given,
                                             LanguageType language) {
-  const LanguageFiles files = FilesOf(language);
-  return FindFiles(given, language, {files.dictionary, files.frame_model});
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return Result<std::filesystem::path>::Failure(kNoLanguage);
+  return FindFiles(given, *row, {row->dictionary, row->frame_model.file});
 }
 
 Result<std::filesystem::path> FindDictionary(const std::optional<std::filesystem::path>& given,
                                              LanguageType language) {
-  return FindFiles(given, language, {FilesOf(language).dictionary});
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return Result<std::filesystem::path>::Failure(kNoLanguage);
+  return FindFiles(given, *row, {row->dictionary});
 }
 
 Result<std::string> LoadDictionary(const std::filesystem::path& folder, LanguageType language) {
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return Result<std::string>::Failure(kNoLanguage);
   const EngineMessages messages;
   AnalyzedAudio::LoadResourceInFolderPath((folder / "").c_str());
   const auto dictionary = DictionaryOf(language);
   if (dictionary == nullptr || dictionary->GetWordCount() == 0) {
-    return Result<std::string>::Failure(
-        "the dictionary " + PrintableText((folder / FilesOf(language).dictionary).native()) +
-        " cannot be used: " + messages.OneLine());
+    return Result<std::string>::Failure("the dictionary " +
+                                        PrintableText((folder / row->dictionary).native()) +
+                                        " cannot be used: " + messages.OneLine());
   }
   return messages.Text();
 }
@@ -140,7 +118,8 @@ Result<std::string> LoadDictionary(const std::filesystem::path& folder, Language
 Result<LoadedResources> LoadResources(const std::filesystem::path& folder, LanguageType language,
                                       ResourceUse use) {
   using Failure = Result<LoadedResources>;
-  const LanguageFiles files = FilesOf(language);
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return Failure::Failure(kNoLanguage);
   LoadedResources loaded;
   if (use != ResourceUse::kAnnotate) {
     const Result<std::string> dictionary = LoadDictionary(folder, language);
@@ -148,19 +127,20 @@ Result<LoadedResources> LoadResources(const std::filesystem::path& folder, Langu
     loaded.messages = *dictionary;
   }
   const EngineMessages messages;
-  if (std::string error = LoadModel(folder / files.frame_model, files.frame_model_type, messages);
+  if (std::string error =
+          LoadModel(folder / row->frame_model.file, row->frame_model.type, messages);
       !error.empty()) {
     return Failure::Failure(std::move(error));
   }
   if (use == ResourceUse::kMeasure || use == ResourceUse::kGrade) {
-    for (const OptionalModel& model : OptionalModelsOf(language)) {
+    for (const auto& [model, purpose] : OptionalModelsOf(*row)) {
       std::error_code error;
       if (!std::filesystem::exists(folder / model.file, error)) {
-        loaded.missing +=
-            "no " + std::string(model.file) + " in " + PrintableText(folder.native()) +
-            (use == ResourceUse::kGrade ? ", without which nothing is graded"
-                                        : "; not measured: " + std::string(model.purpose)) +
-            "\n";
+        loaded.missing += "no " + std::string(model.file) + " in " +
+                          PrintableText(folder.native()) +
+                          (use == ResourceUse::kGrade ? ", without which nothing is graded"
+                                                      : "; not measured: " + std::string(purpose)) +
+                          "\n";
         continue;
       }
       if (std::string problem = LoadModel(folder / model.file, model.type, messages);
@@ -179,11 +159,10 @@ Result<LoadedResources> LoadResources(const std::filesystem::path& folder, Langu
 MeasuringModels LoadedModels(LanguageType language) {
   const ModelsInUse models_in_use;
   MeasuringModels models;
-  const CPhonemeSet* const set = PhonemeSetOf(language);
-  const DLPhonClassifier* const phonemes =
-      set != nullptr ? PhonClassifierOf(set->GetIdentifier()) : nullptr;
-  models.phoneme = phonemes != nullptr && phonemes->IsLoaded();
-  models.tone = language == kLanguageChinese && ToneClassifier().IsLoaded();
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return models;
+  models.phoneme = PhonClassifierOf(row->phonemes->GetIdentifier())->IsLoaded();
+  models.tone = row->tone_model && ToneClassifier().IsLoaded();
   models.goodness = GoodnessClassifier().IsLoaded();
   return models;
 }

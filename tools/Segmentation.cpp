@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
 #include "recognition/SentenceTokens.h"
 #include "tools/Kana.h"
 
@@ -97,7 +98,7 @@ void AppendRun(std::wstring_view run, LanguageType language, const WordCost& cos
 }  // namespace
 
 std::wstring SegmentText(std::wstring_view text, LanguageType language, const WordCost& cost) {
-  if (language != kLanguageChinese && language != kLanguageJapanese) return std::wstring(text);
+  if (!LacksBlanks(language)) return std::wstring(text);
   const int set = PhonemeSetOf(language)->GetIdentifier();
   const auto parts = [&](wchar_t c) {
     return IsSentenceSpace(set, c) || IsSentencePunctuation(set, c);

@@ -10,6 +10,7 @@
 #include "common/Unicode.h"
 #include "recognition/CPhonemeSet.h"
 #include "recognition/EnglishNumbers.h"
+#include "recognition/Languages.h"
 #include "recognition/SentenceTokens.h"
 #include "tools/SpokenNumbers.h"
 
@@ -109,6 +110,18 @@ void AddOnce(std::vector<std::string>& list, std::wstring_view text) {
   if (std::ranges::find(list, utf8) == list.end()) list.push_back(std::move(utf8));
 }
 
+// In lines of ASCII that end at blanks.
+std::string Wrapped(std::string_view text) {
+  constexpr std::size_t kWidth = 87;
+  std::string lines;
+  while (text.size() > kWidth) {
+    const std::size_t end = text.rfind(' ', kWidth);
+    lines += std::string(text.substr(0, end)) + "\n";
+    text.remove_prefix(end + 1);
+  }
+  return lines + std::string(text) + "\n";
+}
+
 }  // namespace
 
 std::string PrepareText(std::string_view text, LanguageType language) {
@@ -185,27 +198,15 @@ std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType langu
 std::string InlinePronunciationHelp(std::string_view word, LanguageType language) {
   std::string help = "write it with its pronunciation in its place, as\n    |1 1 ? ";
   help += "SYLLABLES MARKS STARTS PHONEMES|" + std::string(word) + "\n";
-  switch (language) {
-    case kLanguageEnglish:
-      help +=
-          "(number of syllables; a stress digit 0, 1 or 2 for each; where each begins in the\n"
-          "phonemes, counted from 0; the phonemes), for example\n    |1 1 ? 2 01 0 2 h@lo|hello\n";
-      break;
-    case kLanguageChinese:
-      help +=
-          "(number of syllables; a tone digit 1 to 5 for each; where each begins in the phonemes,\n"
-          "counted from 0; the phonemes), for example\n    |1 1 ? 2 33 0 2 nihW|\u4F60\u597D\n";
-      break;
-    case kLanguageJapanese:
-      help +=
-          "(number of syllables; a digit 1 for each; where each begins in the phonemes, counted\n"
-          "from 0; the phonemes), for example\n    |1 1 ? 3 111 0 2 4 sakura|\u3055\u304F\u3089\n";
-      break;
-  }
-  if (language == kLanguageChinese || language == kLanguageJapanese) {
-    const bool chinese = language == kLanguageChinese;
-    help += std::string("which is what veral3 check-text --lang ") + (chinese ? "zh" : "ja") +
-            " --reading \"" + (chinese ? "ni3 hao3" : "\u3055\u304F\u3089") + "\" WORD prints\n";
+  const LanguageRow* const row = FindLanguage(language);
+  if (row == nullptr) return help;
+  help += Wrapped("(number of syllables; " + std::string(row->mark_text) +
+                  " for each; where each begins in the phonemes, counted from 0; the phonemes), "
+                  "for example");
+  help += "    " + std::string(row->inline_example) + "\n";
+  if (row->reading != ReadingScript::kSounds) {
+    help += std::string("which is what veral3 check-text --lang ") + row->code + " --reading \"" +
+            row->reading_example + "\" WORD prints\n";
   }
   return help;
 }

@@ -5,11 +5,11 @@
 #include "common/Unicode.h"
 #include "recognition/CPhonemeSet.h"
 #include "recognition/Dictionaries.h"
+#include "recognition/Languages.h"
 #include "recognition/SentenceTokens.h"
 #include "tools/AlignmentJson.h"
 #include "tools/EngineMessages.h"
 #include "tools/Kana.h"
-#include "tools/Languages.h"
 #include "tools/Pinyin.h"
 #include "tools/PrintableText.h"
 #include "tools/TextCells.h"
@@ -19,14 +19,16 @@ namespace {
 
 std::string ReadingOf(const Pronunciation& pronunciation, const PronunciationReport& report,
                       LanguageType language) {
-  if (language == kLanguageJapanese) {
+  const LanguageRow* const row = FindLanguage(language);
+  const ReadingScript script = row == nullptr ? ReadingScript::kSounds : row->reading;
+  if (script == ReadingScript::kKana) {
     return KanaOfPhonemes(pronunciation.phonemes, {pronunciation.syllable_starts.begin(),
                                                    pronunciation.syllable_starts.end()});
   }
   std::string reading;
   for (const SyllableReport& syllable : report.syllables) {
-    if (!reading.empty()) reading += language == kLanguageChinese ? " " : ".";
-    if (language == kLanguageChinese) {
+    if (!reading.empty()) reading += script == ReadingScript::kPinyin ? " " : ".";
+    if (script == ReadingScript::kPinyin) {
       reading += PinyinOfPhonemes(syllable.phonemes, syllable.mark);
     } else {
       reading += syllable.mark == 1 ? "'" : syllable.mark == 2 ? "," : "";
@@ -99,14 +101,13 @@ TextReport ReportText(std::string_view text, LanguageType language, const Lexico
 }
 
 std::string TextTable(const TextReport& report, LanguageType language) {
-  const Row titles = {"word",
-                      language == kLanguageChinese    ? "pinyin"
-                      : language == kLanguageJapanese ? "kana"
-                                                      : "sounds",
-                      "syllables",
-                      language == kLanguageChinese   ? "tones"
-                      : language == kLanguageEnglish ? "stress"
-                                                     : ""};
+  const LanguageRow* const known = FindLanguage(language);
+  const bool has_marks = known == nullptr || known->mark != SyllableMark::kNone;
+  const Row titles = {
+      "word", ReadingName(known == nullptr ? ReadingScript::kSounds : known->reading), "syllables",
+      HasTones(language)    ? "tones"
+      : HasStress(language) ? "stress"
+                            : ""};
   std::vector<Row> rows = {titles};
   for (const WordReport& word : report.words) {
     const std::string text = PrintableText(word.text);
@@ -116,7 +117,7 @@ std::string TextTable(const TextReport& report, LanguageType language) {
       for (const SyllableReport& syllable : word.pronunciations[p].syllables) {
         row.syllables += row.syllables.empty() ? "" : " ";
         row.syllables += syllable.phonemes;
-        if (language != kLanguageJapanese) {
+        if (has_marks) {
           row.marks += row.marks.empty() ? "" : " ";
           row.marks += std::to_string(syllable.mark);
         }

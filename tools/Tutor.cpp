@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "core/AnalyzedAudio.h"
+#include "recognition/Languages.h"
 #include "storage/SavedAlignedAudio.h"
 #include "tools/AnalyzeJobs.h"
 #include "tools/EngineMessages.h"
-#include "tools/Languages.h"
 
 namespace veral3::tools {
 namespace {

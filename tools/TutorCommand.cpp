@@ -10,11 +10,11 @@
 #include <filesystem>
 #include <vector>
 
+#include "recognition/Languages.h"
 #include "storage/SavedAlignedAudio.h"
 #include "tools/Console.h"
 #include "tools/ExitStatus.h"
 #include "tools/LanguageOption.h"
-#include "tools/Languages.h"
 #include "tools/MakeTutor.h"
 #include "tools/Numbers.h"
 #include "tools/PrintableText.h"
@@ -96,8 +96,9 @@ bool Load(const TutorOptions& options, LanguageType language, Console& console) 
     console.Lines(loaded->messages);
   }
   // What else may be missing leaves nothing out of a tutor file.
-  if (language == kLanguageChinese && !LoadedModels(language).tone) {
-    console.Lines(loaded->missing + "a Chinese tutor file holds the tones: it needs that model");
+  if (HasTones(language) && !LoadedModels(language).tone) {
+    console.Lines(loaded->missing + "a " + std::string(LanguageName(language)) +
+                  " tutor file holds the tones: it needs that model");
     return false;
   }
   return true;
@@ -153,7 +154,7 @@ int RunTutor(const TutorOptions& options) {
     console.Error(error);
     return kWrongUsage;
   }
-  const LanguageType language = LanguageOf(options.language);
+  const LanguageType language = options.language;
   if (!Load(options, language, console)) return kWrongUsage;
   std::vector<AlignJob> jobs = {{options.file, {options.text}, {}}};
   const SentencePlan plan = PlanSentences(jobs, language, options.skip_unknown);

@@ -4,11 +4,13 @@
 #include <optional>
 #include <string>
 
+#include "common/LanguageType.h"
+
 namespace veral3::tools {
 
 // What `veral3 tutor` was asked for.
 struct TutorOptions {
-  std::string language = "en";
+  LanguageType language{};
   std::string text;
   std::string teacher;
   std::string date;  // YYYY-MM-DD; empty: today

@@ -8,6 +8,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include "recognition/Languages.h"
 
 #include "core/AlignInfo.h"
 #include "signal/CWaveFrameDef.h"
@@ -95,9 +96,7 @@ std::string IntensityProblem(const TutorFile& tutor) {
 
 // What is wrong with a tutor, in words that follow "holds"; "" when nothing is.
 std::string ProblemOf(TutorFile& tutor) {
-  if (tutor.language < kLanguageEnglish || tutor.language > kLanguageJapanese) {
-    return "an unknown language";
-  }
+  if (FindLanguage(tutor.language) == nullptr) return "an unknown language";
   if (tutor.sentence.empty()) return "no sentence";
   if (!IsUtf8(tutor.sentence)) return "a sentence that is not UTF-8";
   if (!IsUtf8(tutor.teacher)) return "a teacher's name that is not UTF-8";
@@ -251,15 +250,8 @@ std::string Read(const InputFile& input, TutorFile& tutor) {
 }  // namespace
 
 HLYFile::SubL2Type VarietyOf(LanguageType language) {
-  switch (language) {
-    case kLanguageEnglish:
-      return HLYFile::kSubL2American;
-    case kLanguageChinese:
-      return HLYFile::kSubL2Taiwan;
-    case kLanguageJapanese:
-      return HLYFile::kSubL2Tokyo;
-  }
-  return HLYFile::kSubL2Unknown;
+  const LanguageRow* const row = FindLanguage(language);
+  return row == nullptr ? HLYFile::kSubL2Unknown : static_cast<HLYFile::SubL2Type>(row->variety);
 }
 
 std::string WriteTutor(const std::filesystem::path& path, const TutorFile& tutor) {

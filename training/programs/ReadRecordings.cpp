@@ -21,12 +21,12 @@
 #include "common/CString.h"
 #include "common/Messages.h"
 #include "recognition/Dictionaries.h"
+#include "recognition/Languages.h"
 #include "recognition/Models.h"
 #include "recognition/ViterbiAligner.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/HighPassFilter.h"
 #include "tools/AudioFile.h"
-#include "tools/Languages.h"
 #include "tools/Lexicon.h"
 #include "tools/Resources.h"
 #include "tools/TextPreparation.h"
@@ -137,7 +137,12 @@ std::vector<bool> HeldOut(const std::vector<FolderEntry>& entries, double share)
 }
 
 void Run(const Options& options) {
-  const LanguageType language = tools::LanguageOf(options.language);
+  const LanguageRow* const row = FindLanguage(options.language);
+  if (row == nullptr) {
+    throw std::runtime_error("no language is called " + options.language + "; there are " +
+                             LanguageCodes(", "));
+  }
+  const LanguageType language = row->language;
   const CPhonemeSet* set = PhonemeSetOf(language);
   if (const auto loaded = tools::LoadDictionary(options.resources, language); !loaded) {
     throw std::runtime_error(loaded.Error());
