@@ -16,6 +16,16 @@ namespace veral3 {
 // Hands one whole message to the handler or the standard stream, and flushes it.
 void WriteMessage(MessageStream stream, std::string_view text) noexcept;
 
+// While one lives, nothing that this thread says is delivered: for asking where a failure is an
+// answer.
+class MutedMessages {
+ public:
+  MutedMessages();
+  ~MutedMessages();
+  MutedMessages(const MutedMessages&) = delete;
+  MutedMessages& operator=(const MutedMessages&) = delete;
+};
+
 // The text of one message. A short one needs no memory, so that what went wrong can be said when
 // there is none left; a long one that finds none is cut, and its last line says so.
 class MessageBuffer : public std::streambuf {

@@ -27,6 +27,8 @@ Sink& TheSink() {
   return sink;
 }
 
+thread_local int muted_here = 0;  // objects of MutedMessages that live on this thread
+
 constexpr std::size_t kMaxText = std::size_t{1} << 30;  // bytes of a message
 constexpr std::string_view kCut = "...\n(cut: out of memory)\n";
 
@@ -48,7 +50,12 @@ void SetMessageHandler(MessageHandler handler) {
   sink.handler = std::move(handler);
 }
 
+MutedMessages::MutedMessages() { ++muted_here; }
+
+MutedMessages::~MutedMessages() { --muted_here; }
+
 void WriteMessage(MessageStream stream, std::string_view text) noexcept {
+  if (muted_here > 0) return;
   try {
     Sink& sink = TheSink();
     const std::lock_guard lock(sink.mutex);

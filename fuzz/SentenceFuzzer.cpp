@@ -10,13 +10,13 @@
 #include "common/Messages.h"
 #include "common/Unicode.h"
 #include "core/AnalyzedAudio.h"
+#include "text/Kana.h"
+#include "text/Lexicon.h"
+#include "text/Pinyin.h"
+#include "text/TextPreparation.h"
 #include "tools/EngineMessages.h"
-#include "tools/Kana.h"
-#include "tools/Lexicon.h"
-#include "tools/Pinyin.h"
 #include "tools/SentencePlan.h"
 #include "tools/TextFiles.h"
-#include "tools/TextPreparation.h"
 #include "tools/TextReport.h"
 
 // The first byte is the language, the rest a sentence as somebody typed it: the engine takes it as
@@ -27,10 +27,10 @@ using veral3::fuzz::Require;
 
 constexpr std::array kLanguages = {kLanguageEnglish, kLanguageChinese, kLanguageJapanese};
 
-const veral3::tools::Lexicon& LexiconOf(std::size_t which) {
-  static const std::array lexicons = {veral3::tools::LexiconOf(kLanguageEnglish),
-                                      veral3::tools::LexiconOf(kLanguageChinese),
-                                      veral3::tools::LexiconOf(kLanguageJapanese)};
+const veral3::Lexicon& LexiconOf(std::size_t which) {
+  static const std::array lexicons = {veral3::LexiconOf(kLanguageEnglish),
+                                      veral3::LexiconOf(kLanguageChinese),
+                                      veral3::LexiconOf(kLanguageJapanese)};
   return lexicons[which];
 }
 
@@ -44,12 +44,12 @@ void CheckText(const std::string& text, std::size_t which) {
   const LanguageType language = kLanguages[which];
   const TextReport report = ReportText(text, language, LexiconOf(which));
   Require(IsUtf8(report.prepared));
-  const std::string once = PrepareText(text, language);
-  Require(PrepareText(once, language) == once);
+  const std::string once = veral3::PrepareText(text, language);
+  Require(veral3::PrepareText(once, language) == once);
   TextTable(report, language);
   const nlohmann::json json = nlohmann::json::parse(TextJson({report}, language));
   Require(json.is_object() && json["text"] == text);
-  InlinePronunciationHelp(text, language);
+  veral3::InlinePronunciationHelp(text, language);
 }
 
 // A sentence that the plan lets through is one that the engine takes.
@@ -81,11 +81,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!veral3::tools::IsUtf8(text)) return 0;
   CheckText(text, which);
   CheckPlan(text, kLanguages[which], (data[0] & 128) != 0);
-  if (const auto reading = veral3::tools::ReadPinyin(text)) {
-    veral3::tools::InlinePronunciation(*reading, L"x");
+  if (const auto reading = veral3::ReadPinyin(text)) {
+    veral3::InlinePronunciation(*reading, L"x");
   }
-  if (const auto reading = veral3::tools::ReadKana(veral3::WideFromUtf8(text))) {
-    Require(Add(veral3::Utf8FromWide(veral3::tools::InlinePronunciation(*reading, L"x")),
+  if (const auto reading = veral3::ReadKana(veral3::WideFromUtf8(text))) {
+    Require(Add(veral3::Utf8FromWide(veral3::InlinePronunciation(*reading, L"x")),
                 kLanguageJapanese) == 1);
   }
   return 0;

@@ -9,11 +9,11 @@
 
 #include "common/Unicode.h"
 #include "recognition/Languages.h"
+#include "text/Kana.h"
+#include "text/Pinyin.h"
 #include "tools/Console.h"
 #include "tools/ExitStatus.h"
-#include "tools/Kana.h"
 #include "tools/LanguageOption.h"
-#include "tools/Pinyin.h"
 #include "tools/PrintableText.h"
 #include "tools/Resources.h"
 #include "tools/Shortened.h"

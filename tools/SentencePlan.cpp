@@ -5,10 +5,10 @@
 
 #include "core/AnalyzedAudio.h"
 #include "recognition/WordEntry.h"
+#include "text/Lexicon.h"
+#include "text/TextPreparation.h"
 #include "tools/EngineMessages.h"
-#include "tools/Lexicon.h"
 #include "tools/Shortened.h"
-#include "tools/TextPreparation.h"
 
 namespace veral3::tools {
 namespace {

@@ -7,10 +7,10 @@
 #include "recognition/Dictionaries.h"
 #include "recognition/Languages.h"
 #include "recognition/SentenceTokens.h"
+#include "text/Kana.h"
+#include "text/Pinyin.h"
 #include "tools/AlignmentJson.h"
 #include "tools/EngineMessages.h"
-#include "tools/Kana.h"
-#include "tools/Pinyin.h"
 #include "tools/PrintableText.h"
 #include "tools/TextCells.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "common/LanguageType.h"
-#include "tools/Lexicon.h"
+#include "text/Lexicon.h"
 
 // What the engine will make of a text: its words and how each may be pronounced.
 namespace veral3::tools {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string>
+#include <thread>
 
 #include "common/MessageWriter.h"
 #include "support/MessageCapture.h"
@@ -46,6 +48,21 @@ TEST(Messages, EndProcessCanBeTrapped) {
   } catch (const test::EndedProcess& ended) {
     EXPECT_EQ(ended.status, -1);
   }
+}
+
+TEST(MutedMessages, LastAsLongAsTheOutermost) {
+  std::string heard;
+  SetMessageHandler([&](MessageStream, std::string_view text) { heard += text; });
+  {
+    const MutedMessages outer;
+    Message(MessageStream::kError) << "a";
+    { const MutedMessages inner; }
+    Message(MessageStream::kWideOutput) << "b";
+    std::thread([] { Message(MessageStream::kError) << "c"; }).join();
+  }
+  Message(MessageStream::kError) << "d";
+  SetMessageHandler({});
+  EXPECT_EQ(heard, "cd");
 }
 
 }  // namespace

@@ -30,13 +30,12 @@ TEST(Languages, NamesAndFilesOfEach) {
                    row.phoneme_model.file + " " + (row.tone_model ? row.tone_model->file : "-") +
                    " " + row.variety_name);
   }
-  EXPECT_THAT(told,
-              ElementsAre("en English EN EN_KEP5 KEN-UTF8Order.txt EnglishFrame.model "
-                          "EnglishPhon.model - American English",
-                          "zh Chinese ZH TW_KCP KCN-UTF8Order.txt ChineseFrame.model "
-                          "ChinesePhon.model ChineseTone.model Mandarin as spoken in Taiwan",
-                          "ja Japanese JP JP_KJP KJP-UTF8Order.txt JapaneseFrame.model "
-                          "JapanesePhon.model - Tokyo Japanese"));
+  EXPECT_THAT(told, ElementsAre("en English EN EN_KEP5 KEN-UTF8Order.txt EnglishFrame.model "
+                                "EnglishPhon.model - American English",
+                                "zh Chinese ZH TW_KCP KCN-UTF8Order.txt ChineseFrame.model "
+                                "ChinesePhon.model ChineseTone.model Mandarin as spoken in Taiwan",
+                                "ja Japanese JP JP_KJP KJP-UTF8Order.txt JapaneseFrame.model "
+                                "JapanesePhon.model - Tokyo Japanese"));
 }
 
 TEST(Languages, NumbersOfEach) {

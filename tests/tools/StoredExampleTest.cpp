@@ -11,10 +11,10 @@
 #include "storage/SavedAlignedAudio.h"
 #include "support/MessageCapture.h"
 #include "support/Vectors.h"
+#include "text/TextPreparation.h"
 #include "tools/AudioFile.h"
 #include "tools/MakeTutor.h"
 #include "tools/Resources.h"
-#include "tools/TextPreparation.h"
 #include "tools/TutorFile.h"
 
 namespace veral3::tools {

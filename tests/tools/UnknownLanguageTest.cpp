@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "Process.h"
-#include "tools/Lexicon.h"
+#include "text/Lexicon.h"
 #include "tools/Resources.h"
 #include "tools/TextReport.h"
 #include "tools/TutorFile.h"
@@ -32,8 +32,7 @@ TEST(UnknownLanguage, TheCommandNamesThoseThatItKnows) {
 }
 
 TEST(UnknownLanguage, HasNoResources) {
-  for (const auto& found :
-       {FindResources(kResources, kNone), FindDictionary(kResources, kNone)}) {
+  for (const auto& found : {FindResources(kResources, kNone), FindDictionary(kResources, kNone)}) {
     ASSERT_FALSE(found);
     EXPECT_EQ(found.Error(), "no language that Veral3 knows");
   }

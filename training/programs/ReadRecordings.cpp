@@ -26,10 +26,10 @@
 #include "recognition/ViterbiAligner.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/HighPassFilter.h"
+#include "text/Lexicon.h"
+#include "text/TextPreparation.h"
 #include "tools/AudioFile.h"
-#include "tools/Lexicon.h"
 #include "tools/Resources.h"
-#include "tools/TextPreparation.h"
 #include "training/corpus/CorpusFile.h"
 #include "training/corpus/RecordingFolder.h"
 #include "training/measure/ForcedAlignment.h"
@@ -52,12 +52,12 @@ constexpr std::size_t kShortest = 551;  // samples that make a frame
 class Labeller {
  public:
   Labeller(LanguageType language, const CPhonemeSet& set)
-      : m_language(language), m_set(set), m_lexicon(tools::LexiconOf(language)) {}
+      : m_language(language), m_set(set), m_lexicon(LexiconOf(language)) {}
 
   // The recording with its phoneme times; `reason` says why there is none.
   std::optional<Utterance> Label(const FolderEntry& entry, std::string& reason) {
-    const std::string text = tools::PrepareSentence(entry.text, m_language, m_lexicon.cost);
-    const auto check = tools::CheckSentence(text, m_language, m_lexicon.has_word);
+    const std::string text = PrepareSentence(entry.text, m_language, m_lexicon.cost);
+    const auto check = CheckSentence(text, m_language, m_lexicon.has_word);
     if (!check.missing_words.empty()) {
       reason = "the dictionary lacks \"" + check.missing_words.front() + "\"";
       return std::nullopt;
@@ -113,7 +113,7 @@ class Labeller {
 
   LanguageType m_language;
   const CPhonemeSet& m_set;
-  tools::Lexicon m_lexicon;
+  Lexicon m_lexicon;
   std::filesystem::path m_audio_path;  // the recording read last: segments follow one another
   std::vector<std::int16_t> m_audio;
   std::string m_audio_error;

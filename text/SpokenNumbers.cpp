@@ -1,6 +1,6 @@
-#include "tools/SpokenNumbers.h"
+#include "text/SpokenNumbers.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
@@ -93,4 +93,4 @@ std::wstring SpellNumbers(std::wstring_view text, LanguageType language) {
   return spelled;
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

@@ -1,13 +1,13 @@
-#include "tools/Lexicon.h"
+#include "text/Lexicon.h"
 
 #include <algorithm>
 #include <charconv>
 #include <memory>
 
+#include "common/MessageWriter.h"
 #include "recognition/Dictionaries.h"
-#include "tools/EngineMessages.h"
 
-namespace veral3::tools {
+namespace veral3 {
 
 Lexicon LexiconOf(LanguageType language) {
   const auto dictionary = DictionaryOf(language);
@@ -23,10 +23,10 @@ Lexicon LexiconOf(LanguageType language) {
     return std::clamp(cost, 0, kMaxCost);
   };
   lexicon.has_word = [dictionary](std::wstring_view word) {
-    const EngineMessages muted;  // a missing word is reported in words of the command's own
+    const MutedMessages muted;  // asking is no failure
     return dictionary != nullptr && dictionary->LookupWord(word) != nullptr;
   };
   return lexicon;
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

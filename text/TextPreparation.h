@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "common/LanguageType.h"
-#include "tools/Segmentation.h"
+#include "text/Segmentation.h"
 
 // What stands between text as people write it and the sentence that the engine takes: words that
 // its dictionary has, parted by blanks.
@@ -16,7 +16,7 @@
 //   for (const std::string& word : check.missing_words) complain(word);
 //
 // Inline segments ("|1 1 ? 1 1 0 hYt|height") pass through as they are.
-namespace veral3::tools {
+namespace veral3 {
 
 // The sentence with
 // - fullwidth letters and digits as ASCII, halfwidth kana as kana;
@@ -28,7 +28,7 @@ namespace veral3::tools {
 std::string PrepareText(std::string_view text, LanguageType language);
 
 // The whole preparation: PrepareText, and in Chinese and Japanese numbers in words and blanks
-// between the words of the dictionary (tools/SpokenNumbers.h, tools/Segmentation.h).
+// between the words of the dictionary (text/SpokenNumbers.h, tools/Segmentation.h).
 std::string PrepareSentence(std::string_view text, LanguageType language, const WordCost& cost);
 
 // Whether the dictionary has a word, in any case.
@@ -53,4 +53,4 @@ std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType langu
 // and one of the language that is complete. Several lines with line ends.
 std::string InlinePronunciationHelp(std::string_view word, LanguageType language);
 
-}  // namespace veral3::tools
+}  // namespace veral3

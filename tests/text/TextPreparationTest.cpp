@@ -1,4 +1,4 @@
-#include "tools/TextPreparation.h"
+#include "text/TextPreparation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 #include "common/Unicode.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 using testing::ElementsAre;
@@ -154,4 +154,4 @@ TEST(InlinePronunciationHelp, HasTheWordAndAnExampleOfTheLanguage) {
 }
 
 }  // namespace
-}  // namespace veral3::tools
+}  // namespace veral3

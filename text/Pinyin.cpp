@@ -1,4 +1,4 @@
-#include "tools/Pinyin.h"
+#include "text/Pinyin.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 
 #include "common/Unicode.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 struct Spelling {
@@ -184,4 +184,4 @@ std::string PinyinOfPhonemes(std::string_view phonemes, int tone) {
   return Utf8FromWide(WithTone(letters->second, tone));
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

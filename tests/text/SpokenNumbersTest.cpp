@@ -1,13 +1,13 @@
-#include "tools/SpokenNumbers.h"
+#include "text/SpokenNumbers.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "common/Unicode.h"
-#include "tools/Kana.h"
+#include "text/Kana.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 std::string Chinese(std::wstring_view text) {
@@ -125,4 +125,4 @@ TEST(SpellNumbers, LeavesInlineSegmentsAndEnglishAlone) {
 }
 
 }  // namespace
-}  // namespace veral3::tools
+}  // namespace veral3

@@ -8,7 +8,7 @@
 #include "common/LanguageType.h"
 
 // Cutting Chinese and Japanese text, which is written without blanks, into words of the dictionary.
-namespace veral3::tools {
+namespace veral3 {
 
 // How unlikely a word is, about 10 times -ln of its probability; nothing where the dictionary lacks
 // it.
@@ -22,4 +22,4 @@ using WordCost = std::function<std::optional<int>(std::wstring_view word)>;
 // unchanged.
 std::wstring SegmentText(std::wstring_view text, LanguageType language, const WordCost& cost);
 
-}  // namespace veral3::tools
+}  // namespace veral3

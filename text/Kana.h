@@ -6,7 +6,7 @@
 #include <vector>
 
 // Between kana and the phonemes of the Japanese dictionary.
-namespace veral3::tools {
+namespace veral3 {
 
 // A pronunciation as an inline segment or a dictionary line spells it.
 struct Reading {
@@ -31,4 +31,4 @@ std::string KanaOfPhonemes(std::string_view phonemes, const std::vector<int>& st
 // "|1 1 ? ...|word": the inline segment that gives `word` this reading.
 std::wstring InlinePronunciation(const Reading& reading, std::wstring_view word);
 
-}  // namespace veral3::tools
+}  // namespace veral3

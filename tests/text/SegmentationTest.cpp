@@ -1,4 +1,4 @@
-#include "tools/Segmentation.h"
+#include "text/Segmentation.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "common/Unicode.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 WordCost Costs(std::map<std::wstring, int, std::less<>> costs) {
@@ -104,4 +104,4 @@ TEST(SegmentText, LongTextWithoutBlanks) {
 }
 
 }  // namespace
-}  // namespace veral3::tools
+}  // namespace veral3

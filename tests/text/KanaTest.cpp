@@ -1,4 +1,4 @@
-#include "tools/Kana.h"
+#include "text/Kana.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 #include "common/Unicode.h"
 #include "recognition/DictionaryFile.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 using testing::ElementsAre;
@@ -111,4 +111,4 @@ TEST(ReadKana, AgreesWithTheDictionary) {
 }
 
 }  // namespace
-}  // namespace veral3::tools
+}  // namespace veral3

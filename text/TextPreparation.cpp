@@ -1,4 +1,4 @@
-#include "tools/TextPreparation.h"
+#include "text/TextPreparation.h"
 
 #include <utf8proc.h>
 
@@ -12,9 +12,9 @@
 #include "recognition/EnglishNumbers.h"
 #include "recognition/Languages.h"
 #include "recognition/SentenceTokens.h"
-#include "tools/SpokenNumbers.h"
+#include "text/SpokenNumbers.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 // Symbols that stand for words; the engine takes them for punctuation.
@@ -211,4 +211,4 @@ std::string InlinePronunciationHelp(std::string_view word, LanguageType language
   return help;
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

@@ -8,7 +8,7 @@
 
 // Numbers in digits as they are read aloud in Chinese and Japanese, whose dictionaries know no
 // digits. English numbers are the engine's own business.
-namespace veral3::tools {
+namespace veral3 {
 
 // A number in a text: "-3,500.25%".
 struct WrittenNumber {
@@ -37,4 +37,4 @@ struct SpelledNumber {
 };
 SpelledNumber SpellJapaneseNumber(const WrittenNumber& number, std::wstring_view following);
 
-}  // namespace veral3::tools
+}  // namespace veral3

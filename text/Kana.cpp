@@ -1,4 +1,4 @@
-#include "tools/Kana.h"
+#include "text/Kana.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 
 #include "common/Unicode.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 struct KanaSound {
@@ -210,4 +210,4 @@ std::wstring InlinePronunciation(const Reading& reading, std::wstring_view word)
   return WideFromUtf8(text) + std::wstring(word);
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

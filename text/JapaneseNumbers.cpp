@@ -2,10 +2,10 @@
 #include <array>
 #include <vector>
 
-#include "tools/Kana.h"
-#include "tools/SpokenNumbers.h"
+#include "text/Kana.h"
+#include "text/SpokenNumbers.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 constexpr std::size_t kMaxDigits = 16;
@@ -275,4 +275,4 @@ SpelledNumber SpellJapaneseNumber(const WrittenNumber& number, std::wstring_view
   return spelled;
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

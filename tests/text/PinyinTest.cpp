@@ -1,4 +1,4 @@
-#include "tools/Pinyin.h"
+#include "text/Pinyin.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 #include "recognition/DictionaryFile.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 using testing::ElementsAre;
@@ -85,4 +85,4 @@ TEST(PinyinOfPhonemes, CoversTheDictionary) {
 }
 
 }  // namespace
-}  // namespace veral3::tools
+}  // namespace veral3

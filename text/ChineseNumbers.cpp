@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "tools/SpokenNumbers.h"
+#include "text/SpokenNumbers.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 constexpr std::wstring_view kDigits = L"零一二三四五六七八九";
@@ -87,4 +87,4 @@ std::wstring SpellChineseNumber(const WrittenNumber& number, std::wstring_view f
   return words;
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3

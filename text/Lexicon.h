@@ -1,10 +1,10 @@
 #pragma once
 
 #include "common/LanguageType.h"
-#include "tools/Segmentation.h"
-#include "tools/TextPreparation.h"
+#include "text/Segmentation.h"
+#include "text/TextPreparation.h"
 
-namespace veral3::tools {
+namespace veral3 {
 
 // The loaded dictionary of a language as text preparation asks for it. What is asked is silent.
 struct Lexicon {
@@ -15,4 +15,4 @@ struct Lexicon {
 // Holds the dictionary that is loaded now; without one nothing is known.
 Lexicon LexiconOf(LanguageType language);
 
-}  // namespace veral3::tools
+}  // namespace veral3

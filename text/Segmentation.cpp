@@ -1,4 +1,4 @@
-#include "tools/Segmentation.h"
+#include "text/Segmentation.h"
 
 #include <algorithm>
 #include <limits>
@@ -7,9 +7,9 @@
 #include "recognition/CPhonemeSet.h"
 #include "recognition/Languages.h"
 #include "recognition/SentenceTokens.h"
-#include "tools/Kana.h"
+#include "text/Kana.h"
 
-namespace veral3::tools {
+namespace veral3 {
 namespace {
 
 constexpr std::size_t kMaxWordLength = 16;  // characters; the starter dictionaries end at 14
@@ -124,4 +124,4 @@ std::wstring SegmentText(std::wstring_view text, LanguageType language, const Wo
   return result;
 }
 
-}  // namespace veral3::tools
+}  // namespace veral3
