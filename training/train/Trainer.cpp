@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <numbers>
-#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -30,9 +29,10 @@ struct Layers {
   }
 
   // Scores before the softmax. `magnitude`, where given, gains the mean of the hidden activations.
-  Tensor Forward(Tensor x, double dropout, Tensor* magnitude) {
+  Tensor Forward(Tensor x, double dropout, Tensor* magnitude) const {
     for (std::size_t i = 0; i < linear.size(); ++i) {
-      x = linear[i]->forward(x);
+      torch::nn::Linear layer = linear[i];  // shares the weights; libtorch's forward is not const
+      x = layer->forward(x);
       if (i + 1 == linear.size()) break;
       x = torch::relu(x);
       if (magnitude != nullptr) *magnitude = *magnitude + x.mean();
@@ -122,6 +122,57 @@ void Scale(const Network& network, std::span<float> rows) {
   }
 }
 
+// A network ready to classify rows that are not scaled.
+class Classifier {
+ public:
+  explicit Classifier(const Network& network)
+      : m_layers(LayersOf(FoldScaling(network))), m_inputs(network.NumInputs()) {}
+
+  Tensor Probabilities(std::span<const float> rows) const {
+    const torch::NoGradGuard no_grad;
+    const auto count = static_cast<std::int64_t>(rows.size()) / m_inputs;
+    const Tensor x = torch::from_blob(const_cast<float*>(rows.data()), {count, m_inputs});
+    return torch::softmax(m_layers.Forward(x, 0.0, nullptr), 1);
+  }
+
+ private:
+  Layers m_layers;
+  std::int64_t m_inputs;
+};
+
+std::vector<Classifier> TeachersOf(const TrainOptions& options, const Network& network) {
+  std::vector<Classifier> teachers;
+  for (const Network& teacher : options.teachers) {
+    if (teacher.NumInputs() != network.NumInputs() ||
+        teacher.NumOutputs() != network.NumOutputs()) {
+      throw std::runtime_error("a teacher has other inputs or classes");
+    }
+    if (!options.heads.empty()) throw std::runtime_error("several heads have no teachers");
+    teachers.emplace_back(teacher);
+  }
+  if (options.teaching > 0.0 && teachers.empty()) throw std::runtime_error("there is no teacher");
+  return teachers;
+}
+
+// The probabilities that are wanted of a batch: those of its classes, mixed with what the teachers
+// say on average.
+Tensor WantedOf(const ClassTables& tables, const Tensor& classes, double teaching,
+                std::span<const Classifier> teachers, std::span<const float> rows) {
+  Tensor wanted = tables.wanted.index_select(0, classes);
+  if (teaching == 0.0) return wanted;
+  wanted = wanted * (1.0 - teaching);
+  const double each = teaching / static_cast<double>(teachers.size());
+  for (const Classifier& teacher : teachers) wanted = wanted + teacher.Probabilities(rows) * each;
+  return wanted;
+}
+
+Deck DeckOf(const TrainOptions& options, std::size_t num_examples) {
+  std::vector<ExampleGroup> groups = options.groups;
+  if (groups.empty()) groups.push_back({0, static_cast<std::uint32_t>(num_examples), 1.0});
+  const bool sized = !options.groups.empty() && options.epoch_size > 0;
+  return {groups, sized ? options.epoch_size : num_examples};
+}
+
 }  // namespace
 
 Network Train(const TrainOptions& options, ExampleSource& source,
@@ -138,8 +189,9 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
 
   const ClassTables tables = MakeTables(options, network.NumOutputs());
-  std::vector<std::uint32_t> order(source.NumExamples());
-  std::iota(order.begin(), order.end(), 0u);
+  const std::vector<Classifier> teachers = TeachersOf(options, network);
+  Deck deck = DeckOf(options, source.NumExamples());
+  std::vector<std::uint32_t> order = deck.Deal(random);
   const auto batch = std::min(static_cast<std::size_t>(options.batch), order.size());
   const std::size_t steps_an_epoch = order.size() / batch;
   const auto inputs = static_cast<std::size_t>(source.NumInputs());
@@ -155,8 +207,10 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   const auto steps = static_cast<double>(steps_an_epoch) * options.epochs;
   double step = 0.0;
   for (int epoch = 0; epoch < options.epochs; ++epoch) {
-    if (epoch > 0) source.BeginEpoch(random);
-    random.Shuffle(std::span(order));
+    if (epoch > 0) {
+      source.BeginEpoch(random);
+      order = deck.Deal(random);
+    }
     double loss_sum = 0.0;
     double right = 0.0;
     for (std::size_t k = 0; k < steps_an_epoch; ++k, step += 1.0) {
@@ -165,12 +219,12 @@ Network Train(const TrainOptions& options, ExampleSource& source,
         static_cast<torch::optim::AdamOptions&>(group.options()).lr(rate);
       }
       source.Fill(std::span(order).subspan(k * batch, batch), row_values, class_values);
+      const Tensor wanted = WantedOf(tables, classes, options.teaching, teachers, row_values);
       Scale(network, row_values);
       Tensor magnitude = torch::zeros({});
       const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
       const Tensor open = scores + tables.closed.index_select(0, classes);
-      Tensor loss =
-          -(tables.wanted.index_select(0, classes) * torch::log_softmax(open, 1)).sum(1).mean();
+      Tensor loss = -(wanted * torch::log_softmax(open, 1)).sum(1).mean();
       loss_sum += loss.item<double>();
       right += open.detach().argmax(1).eq(classes).sum().item<double>();
       if (options.sparsity > 0.0) loss = loss + options.sparsity * magnitude;
@@ -189,14 +243,7 @@ Network Train(const TrainOptions& options, ExampleSource& source,
 }
 
 std::vector<float> Classify(const Network& network, std::span<const float> inputs) {
-  const torch::NoGradGuard no_grad;
-  const auto columns = static_cast<std::size_t>(network.NumInputs());
-  std::vector<float> scaled(inputs.begin(), inputs.end());
-  Scale(network, scaled);
-  const Tensor rows = torch::from_blob(
-      scaled.data(), {static_cast<std::int64_t>(scaled.size() / columns), network.NumInputs()});
-  const Tensor scores =
-      torch::softmax(LayersOf(network).Forward(rows, 0.0, nullptr), 1).contiguous();
+  const Tensor scores = Classifier(network).Probabilities(inputs).contiguous();
   return {scores.data_ptr<float>(), scores.data_ptr<float>() + scores.numel()};
 }
 

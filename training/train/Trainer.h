@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "training/common/Random.h"
+#include "training/train/Deck.h"
 #include "training/train/Network.h"
 
 // Training of fully connected classifiers. The only file that knows libtorch is Trainer.cpp.
@@ -38,9 +39,18 @@ struct TrainOptions {
   int epochs = 6;
   double rate = 2e-3;  // highest learning rate of the cycle
   double dropout = 0.1;
-  double smoothing = 0.02;  // of the labels
-  double sparsity = 0.0;    // weight of the mean magnitude of the hidden activations in the loss
-  std::vector<Head> heads;  // one after another; none is all columns together
+  // Of the labels, spread evenly over the columns. What is spread never leaves a class, whatever is
+  // heard, and the scores of rare phonemes live on less: 0 for anything that is scored.
+  double smoothing = 0.0;
+  double sparsity = 0.0;  // weight of the mean magnitude of the hidden activations in the loss
+  // What the teachers, on average, make of an example counts this much, its class the rest (Hinton,
+  // Vinyals and Dean 2015).
+  double teaching = 0.0;
+  std::vector<Network> teachers;  // of the same inputs and classes; none with several heads
+  // Which examples come how often; none is each once an epoch.
+  std::vector<ExampleGroup> groups;
+  std::size_t epoch_size = 0;  // examples an epoch where there are groups; 0: as many as there are
+  std::vector<Head> heads;     // one after another; none is all columns together
   std::uint64_t seed = 1;
   int threads = 2;
 };
