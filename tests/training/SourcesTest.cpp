@@ -83,6 +83,56 @@ TEST(PhonemeSource, MovedBoundariesStayInsideTheirUtterance) {
   }
 }
 
+// Frames 0 to 4 are a pause, 5 to 11 unused, 12 to 19 a phoneme; frame f has the value f.
+std::vector<FeatureFile> OneUtteranceWithAnUnusedSegment() {
+  const auto folder = std::filesystem::path(::testing::TempDir()) / "veral3_unused.features";
+  std::vector<float> frames;
+  for (int f = 0; f < 20; ++f) frames.insert(frames.end(), kRow, static_cast<float>(f));
+  FeatureWriter writer(folder);
+  writer.Write(frames, std::vector<FrameSegment>{{36, 0}, {-1, 5}, {3, 12}});
+  writer.Close();
+  std::vector<FeatureFile> files;
+  files.emplace_back(folder);
+  return files;
+}
+
+TEST(FrameSource, LearnsNothingOfUnusedFrames) {
+  const auto files = OneUtteranceWithAnUnusedSegment();
+  for (const int jitter : {0, 2}) {
+    FrameSource source(English(), files, jitter);
+    Random random(1);
+    ASSERT_EQ(source.NumExamples(), 13u);
+    std::vector<float> inputs(13 * kFrameInputSize);
+    std::vector<std::int64_t> labels(13);
+    const std::vector<std::uint32_t> all = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    for (int epoch = 0; epoch < 20; ++epoch) {
+      source.BeginEpoch(random);
+      source.Fill(all, inputs, labels);
+      for (std::size_t i = 0; i < 13; ++i) {
+        EXPECT_EQ(labels[i] / 3, i < 5 ? 36 : 3) << i;
+        // The frame itself stands in the middle of the five; unused ones may stand beside it.
+        EXPECT_EQ(inputs[i * kFrameInputSize + 2 * kRow], static_cast<float>(i < 5 ? i : i + 7));
+      }
+      EXPECT_EQ(inputs[4 * kFrameInputSize + 4 * kRow], 6.0f);
+    }
+  }
+}
+
+TEST(PhonemeSource, LearnsNothingOfUnusedSegments) {
+  const auto files = OneUtteranceWithAnUnusedSegment();
+  PhonemeSource source(English(), files, 0);
+  Random random(1);
+  source.BeginEpoch(random);
+  ASSERT_EQ(source.NumExamples(), 2u);
+  std::vector<float> inputs(2 * 624);
+  std::vector<std::int64_t> labels(2);
+  source.Fill(std::vector<std::uint32_t>{0, 1}, inputs, labels);
+  EXPECT_THAT(labels, ::testing::ElementsAre(36, 3));
+  EXPECT_EQ(inputs[4 * kRow], 4.0f);  // the pause ends where the unused segment begins
+  EXPECT_EQ(inputs[5 * kRow], 0.0f);
+  EXPECT_EQ(inputs[624], 12.0f);
+}
+
 std::filesystem::path VectorPath(const char* name) {
   return std::filesystem::path(::testing::TempDir()) / name;
 }

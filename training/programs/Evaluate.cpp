@@ -82,6 +82,7 @@ class Evaluation {
       ClassCounts own(m_set.GetSize());
       ClassCounts own_speech(m_set.GetSize());
       for (std::size_t t = 0; t < labels.size(); ++t) {
+        if (labels[t] == kUnusedState) continue;
         const auto sums = PhonemeSums(std::span(scores).subspan(t * columns, columns));
         own.Add(labels[t] / 3, sums);
         if (labels[t] / 3 != m_set.GetPhonemeIndex('-')) own_speech.Add(labels[t] / 3, sums);
