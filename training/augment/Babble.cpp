@@ -20,9 +20,7 @@ std::size_t PickSpeaker(std::span<const Utterance> others, std::string_view exce
   for (int k = 0; k < kTries && best_worth < 2; ++k) {
     const std::size_t number = random.Below(others.size());
     const std::string_view voice = others[number].voice;
-    const int worth = voice == except                      ? 0
-                      : std::ranges::find(taken, voice) != taken.end() ? 1
-                                                                       : 2;
+    const int worth = voice == except ? 0 : std::ranges::find(taken, voice) != taken.end() ? 1 : 2;
     if (worth > best_worth) {
       best = number;
       best_worth = worth;

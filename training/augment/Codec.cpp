@@ -86,9 +86,8 @@ double CompressionOf(Codec codec, double kbit_per_s) {
 
 std::vector<unsigned char> Encode(std::span<const float> signal, Codec codec, double kbit_per_s) {
   const bool opus = codec == Codec::kOpus;
-  std::vector<float> scaled =
-      opus ? Resample(signal, static_cast<double>(kOpusRate) / kSampleRate)
-           : std::vector<float>(signal.begin(), signal.end());
+  std::vector<float> scaled = opus ? Resample(signal, static_cast<double>(kOpusRate) / kSampleRate)
+                                   : std::vector<float>(signal.begin(), signal.end());
   for (float& x : scaled) x = std::clamp(x / kFullScale, -1.0F, 1.0F);
   SF_INFO info{};
   info.samplerate = opus ? kOpusRate : kSampleRate;

@@ -13,8 +13,8 @@ enum class Codec {
   kMp3,   // 8 to 160 kbit/s, at a constant rate
 };
 
-// The file that a recording of 22050 Hz becomes. Opus keeps to the rate on average only: pauses take
-// less.
+// The file that a recording of 22050 Hz becomes. Opus keeps to the rate on average only: pauses
+// take less.
 std::vector<unsigned char> Encode(std::span<const float> signal, Codec codec, double kbit_per_s);
 
 // The recording that such a file holds: `length` samples, with the codec's delay taken out, so that

@@ -33,7 +33,8 @@ Utterance WithEdges(const Utterance& utterance, const Edges& edges, Random& rand
   if (result.labels.front().symbol == '-') result.labels.erase(result.labels.begin());
   if (!result.labels.empty() && result.labels.back().symbol == '-') result.labels.pop_back();
   for (PhonemeLabel& label : result.labels) label.start += shift;
-  if (edges.before > 0 || result.labels.empty()) result.labels.insert(result.labels.begin(), {'-', 0});
+  if (edges.before > 0 || result.labels.empty())
+    result.labels.insert(result.labels.begin(), {'-', 0});
   if (edges.after > 0 && result.labels.size() > 1) result.labels.push_back({'-', new_end});
   return result;
 }

@@ -12,7 +12,7 @@ namespace veral3::training {
 
 std::vector<float> RoomResponse(double rt60, double direct_db, Random& random) {
   constexpr int kEchoes = 10;
-  constexpr double kLastEcho = 0.04;   // seconds
+  constexpr double kLastEcho = 0.04;  // seconds
   constexpr double kFirstEcho = 0.002;
   constexpr double kTailBegins = 0.01;  // swells from here to the last echo
   const double dulling = random.Uniform(0.2, 0.6);
@@ -24,8 +24,7 @@ std::vector<float> RoomResponse(double rt60, double direct_db, Random& random) {
   const double rate = static_cast<double>(length) / rt60;
   for (std::size_t i = 1; i < length; ++i) {
     const double seconds = static_cast<double>(i) / rate;
-    const double swell =
-        std::clamp((seconds - kTailBegins) / (kLastEcho - kTailBegins), 0.0, 1.0);
+    const double swell = std::clamp((seconds - kTailBegins) / (kLastEcho - kTailBegins), 0.0, 1.0);
     state = dulling * state + (1.0 - dulling) * random.Normal();
     response[i] = static_cast<float>(swell * decay(seconds) * state);
   }

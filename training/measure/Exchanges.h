@@ -17,8 +17,8 @@ struct Exchange {
   std::size_t utterance = 0;
   std::size_t phoneme = 0;  // its place among the utterance's phonemes, pauses left out
   char expected = '-';      // what the text is made to say there
-  bool dropped = false;   // the phoneme is cut out of the recording; `expected` is the one it was
-  std::size_t group = 0;  // of whoever asks, to tell the results apart
+  bool dropped = false;     // the phoneme is cut out of the recording; `expected` is the one it was
+  std::size_t group = 0;    // of whoever asks, to tell the results apart
 
   friend bool operator==(const Exchange&, const Exchange&) = default;
 };

@@ -51,15 +51,14 @@ std::vector<std::vector<std::string>> PronunciationsOf(const VeralDictionary& di
 std::vector<std::size_t> WordEnds(std::string_view phonemes,
                                   const std::vector<std::vector<std::string>>& words) {
   constexpr std::size_t kMore = 3;  // phonemes that a word may have beyond its pronunciation
-  std::vector<std::vector<Ending>> best(words.size() + 1,
-                                        std::vector<Ending>(phonemes.size() + 1));
+  std::vector<std::vector<Ending>> best(words.size() + 1, std::vector<Ending>(phonemes.size() + 1));
   best[0][0].changes = 0;
   for (std::size_t word = 0; word < words.size(); ++word) {
     for (std::size_t start = 0; start <= phonemes.size(); ++start) {
       if (best[word][start].changes >= kFar) continue;
       for (const std::string& pronunciation : words[word]) {
-        const auto row = ChangesToPrefixes(
-            pronunciation, phonemes.substr(start, pronunciation.size() + kMore));
+        const auto row =
+            ChangesToPrefixes(pronunciation, phonemes.substr(start, pronunciation.size() + kMore));
         for (std::size_t length = 0; length < row.size(); ++length) {
           Ending& ending = best[word + 1][start + length];
           const int changes = best[word][start].changes + row[length];
@@ -73,9 +72,10 @@ std::vector<std::size_t> WordEnds(std::string_view phonemes,
   if (best.back()[end].changes * 4 > static_cast<int>(phonemes.size())) return ends;
   for (std::size_t word = words.size(); word > 0; --word) {
     const std::size_t start = best[word][end].start;
-    const bool is_its_last = end > start && std::ranges::any_of(words[word - 1], [&](const auto& p) {
-                               return p.back() == phonemes[end - 1];
-                             });
+    const bool is_its_last =
+        end > start && std::ranges::any_of(words[word - 1], [&](const auto& p) {
+          return p.back() == phonemes[end - 1];
+        });
     if (is_its_last) ends.push_back(end - 1);
     end = start;
   }

@@ -34,8 +34,8 @@ struct Options {
   int language = kLanguageEnglish;
   int threads = 2;
   std::size_t most = 0;
-  std::size_t each = 4;            // of every pair of phonemes
-  std::size_t most_errors = 150;   // of each of the learners' errors
+  std::size_t each = 4;           // of every pair of phonemes
+  std::size_t most_errors = 150;  // of each of the learners' errors
   std::uint64_t seed = 12;
 };
 
@@ -140,8 +140,8 @@ class PhonemeEvaluation {
                                      : static_cast<std::int32_t>(utterance.samples.size());
         const std::size_t place = found[u].size();
         found[u].push_back({symbol, ScoreOf(*result, place),
-                            std::ranges::binary_search(m_word_ends[u], place),
-                            end - start < kShort, PhonemeDistribution(m_set, *result, place)});
+                            std::ranges::binary_search(m_word_ends[u], place), end - start < kShort,
+                            PhonemeDistribution(m_set, *result, place)});
       }
     });
     for (auto& own : found) std::ranges::move(own, std::back_inserter(m_right));

@@ -46,7 +46,8 @@ TEST(Codec, KeepsTheTimeWithinAMillisecond) {
       const std::vector<float> coded = ThroughCodec(signal, codec, rate);
       ASSERT_EQ(coded.size(), signal.size());
       EXPECT_NEAR(LagOf(std::span(signal).first(12000), coded, 1200), 0, 22) << rate;
-      EXPECT_NEAR(LagOf(std::span(signal).last(12000), std::span(coded).last(12000), 1200), 0, 22) << rate;
+      EXPECT_NEAR(LagOf(std::span(signal).last(12000), std::span(coded).last(12000), 1200), 0, 22)
+          << rate;
     }
   }
 }

@@ -82,9 +82,9 @@ TEST(Conditions, CarryWhatIsSaidAlong) {
 TEST(Conditions, SoundsBeginWhereTheirLabelsSay) {
   const Utterance clean = Bursts(12, 9);
   for (const Condition condition :
-       {Condition::kClean, Condition::kOpus12, Condition::kMp3At32,
-        Condition::kClipping6, Condition::kQuiet40, Condition::kPadding10ms, Condition::kPadding3s,
-        Condition::kPitchUp400, Condition::kTempo07, Condition::kTempo15}) {
+       {Condition::kClean, Condition::kOpus12, Condition::kMp3At32, Condition::kClipping6,
+        Condition::kQuiet40, Condition::kPadding10ms, Condition::kPadding3s, Condition::kPitchUp400,
+        Condition::kTempo07, Condition::kTempo15}) {
     const Utterance result = Under(clean, condition);
     // Time stretching goes by steps.
     const bool stretched = condition == Condition::kPitchUp400 || condition >= Condition::kTempo07;
@@ -139,8 +139,8 @@ TEST(Conditions, WhiteNoiseIsEquallyStrongInEveryBand) {
 }
 
 TEST(Conditions, ATelephoneKeepsItsBandOnly) {
-  for (const auto& [hz, db, tolerance] : {std::tuple{1000.0, 0.0, 0.1}, std::tuple{3000.0, 0.0, 0.1},
-                                          std::tuple{400.0, 0.0, 0.3}}) {
+  for (const auto& [hz, db, tolerance] :
+       {std::tuple{1000.0, 0.0, 0.1}, std::tuple{3000.0, 0.0, 0.1}, std::tuple{400.0, 0.0, 0.3}}) {
     const Utterance result = Under(ToneBetweenPauses(hz), Condition::kTelephone);
     const auto middle = std::span(std::as_const(result.samples)).subspan(16000, 12000);
     EXPECT_NEAR(Decibels(Rms<std::int16_t>(middle) * std::sqrt(2.0) / 8000), db, tolerance) << hz;
@@ -178,7 +178,8 @@ TEST(Conditions, PaddingIsExactWhateverTheRecordingHad) {
       ASSERT_EQ(result.samples.size(), static_cast<std::size_t>(22050 + 2 * length));
       EXPECT_TRUE(std::equal(clean.samples.begin() + 11025, clean.samples.begin() + 33075,
                              result.samples.begin() + length));
-      const auto edge = std::span(std::as_const(result.samples)).first(static_cast<std::size_t>(length));
+      const auto edge =
+          std::span(std::as_const(result.samples)).first(static_cast<std::size_t>(length));
       EXPECT_LT(Rms<std::int16_t>(edge), 8.5);
     }
   }

@@ -21,8 +21,8 @@ TEST(Fourier, TransformsAsItsDefinitionAndBack) {
   for (std::size_t bin = 0; bin < 25; ++bin) {
     std::complex<double> sum = 0.0;
     for (std::size_t i = 0; i < 48; ++i) {
-      sum += static_cast<double>(x[i]) *
-             std::polar(1.0, -kTau * static_cast<double>(bin * i) / 48.0);
+      sum +=
+          static_cast<double>(x[i]) * std::polar(1.0, -kTau * static_cast<double>(bin * i) / 48.0);
     }
     EXPECT_NEAR(static_cast<double>(spectrum[bin].real()), sum.real(), 1e-4);
     EXPECT_NEAR(static_cast<double>(spectrum[bin].imag()), sum.imag(), 1e-4);

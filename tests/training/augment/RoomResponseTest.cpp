@@ -54,8 +54,10 @@ TEST(RoomResponse, ASignalIsHeardAtOnceAndLingers) {
   ASSERT_EQ(signal.size(), 30000u);
   for (std::size_t i = 0; i < signal.size(); i += 7) {
     double wanted = 0.0;
-    if (i >= 100 && i - 100 < response.size()) wanted += 1000.0 * static_cast<double>(response[i - 100]);
-    if (i >= 25000 && i - 25000 < response.size()) wanted -= 500.0 * static_cast<double>(response[i - 25000]);
+    if (i >= 100 && i - 100 < response.size())
+      wanted += 1000.0 * static_cast<double>(response[i - 100]);
+    if (i >= 25000 && i - 25000 < response.size())
+      wanted -= 500.0 * static_cast<double>(response[i - 25000]);
     ASSERT_NEAR(static_cast<double>(signal[i]), wanted, 0.01) << i;
   }
 }

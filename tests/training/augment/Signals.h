@@ -22,8 +22,8 @@ inline Utterance ToneBetweenPauses(double hz, const std::string& voice = "own") 
   Utterance utterance{"tone", voice, {{'-', 0}, {'A', 11025}, {'-', 33075}}, {}};
   for (int i = 0; i < 44100; ++i) {
     const bool speech = i >= 11025 && i < 33075;
-    utterance.samples.push_back(
-        static_cast<std::int16_t>(speech ? std::lround(8000 * std::sin(kTau * hz * i / 22050)) : 0));
+    utterance.samples.push_back(static_cast<std::int16_t>(
+        speech ? std::lround(8000 * std::sin(kTau * hz * i / 22050)) : 0));
   }
   return utterance;
 }
@@ -36,8 +36,8 @@ inline Utterance Bursts(int count, std::uint64_t seed) {
   std::vector<std::int16_t>& samples = utterance.samples;
   samples.assign(4410, 0);
   for (int burst = 0; burst < count; ++burst) {
-    utterance.labels.push_back({static_cast<char>('a' + burst % 26),
-                                static_cast<std::int32_t>(samples.size())});
+    utterance.labels.push_back(
+        {static_cast<char>('a' + burst % 26), static_cast<std::int32_t>(samples.size())});
     utterance.tones += '4';
     utterance.spoken_tones += '5';
     utterance.syllables.push_back(burst);

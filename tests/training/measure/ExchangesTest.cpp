@@ -13,7 +13,8 @@ using testing::SizeIs;
 
 // "kA-t": a pause stands before the last phoneme.
 Utterance Cat() {
-  Utterance utterance{"cat", "test", {{'-', 0}, {'k', 100}, {'A', 300}, {'-', 600}, {'t', 700}}, {}};
+  Utterance utterance{
+      "cat", "test", {{'-', 0}, {'k', 100}, {'A', 300}, {'-', 600}, {'t', 700}}, {}};
   utterance.samples.assign(1000, 1000);
   return utterance;
 }
@@ -72,7 +73,8 @@ TEST(WithExchanges, CutsADroppedPhonemeOut) {
       WithExchanges(Cat(), std::vector<Exchange>{{.phoneme = 1, .expected = 'A', .dropped = true}});
   EXPECT_EQ(PhonemesOf(changed), "kAt");  // still expected
   ASSERT_THAT(changed.samples, SizeIs(700));
-  const std::vector<PhonemeLabel> labels = {{'-', 0}, {'k', 100}, {'A', 300}, {'-', 300}, {'t', 400}};
+  const std::vector<PhonemeLabel> labels = {
+      {'-', 0}, {'k', 100}, {'A', 300}, {'-', 300}, {'t', 400}};
   EXPECT_EQ(changed.labels, labels);
   // Both sides of the cut are silent and come back within 2 ms, 44 samples.
   EXPECT_EQ(changed.samples[299], 0);

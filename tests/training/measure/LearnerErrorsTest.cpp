@@ -38,12 +38,12 @@ TEST(LearnerErrors, AreWrittenWithTheirSymbols) {
 TEST(ErrorsIn, TakesWhatIsSaidForWhatIsExpected) {
   const std::vector<std::string> phonemes = {"fIT", "sf"};
   const std::vector<std::vector<std::size_t>> ends = {{2}, {1}};
-  const std::vector<LearnerError> errors = {{"th said as f", "T", "f"}, {"s or z as f", "sz", "fs"}};
+  const std::vector<LearnerError> errors = {{"th said as f", "T", "f"},
+                                            {"s or z as f", "sz", "fs"}};
   Random random(1);
   auto found = ErrorsIn(English(), phonemes, ends, errors, 10, random);
-  std::ranges::sort(found, {}, [](const Exchange& e) {
-    return std::tuple(e.group, e.utterance, e.phoneme);
-  });
+  std::ranges::sort(found, {},
+                    [](const Exchange& e) { return std::tuple(e.group, e.utterance, e.phoneme); });
   EXPECT_THAT(found, ElementsAre(Exchange{0, 0, 'T', false, 0}, Exchange{1, 1, 'T', false, 0},
                                  Exchange{0, 0, 's', false, 1}, Exchange{1, 0, 'z', false, 1},
                                  Exchange{1, 1, 's', false, 1}));
