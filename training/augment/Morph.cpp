@@ -67,9 +67,9 @@ Plan PlanOf(const VirtualSpeaker& speaker) {
   if (speaker.roughness <= 0.0) plan.first_rough = kBins;
   const double angle = std::numbers::pi * std::clamp(speaker.roughness, 0.0, 1.0);
   plan.rough_angle = static_cast<float>(angle);
-  // Of each bin's power the share `steady` still adds up from frame to frame. The rest becomes noise
-  // that is spread over the frame: with both windows' mean square 3/8 and four frames that add up
-  // to 3/2 where they fit, a quarter is left of it.
+  // Of each bin's power the share `steady` still adds up from frame to frame. The rest becomes
+  // noise that is spread over the frame: with both windows' mean square 3/8 and four frames that
+  // add up to 3/2 where they fit, a quarter is left of it.
   const double mean = angle == 0.0 ? 1.0 : std::sin(angle) / angle;
   const double steady = mean * mean;
   plan.rough_gain = static_cast<float>(1.0 / std::sqrt(steady + (1.0 - steady) * 0.25));

@@ -7,9 +7,9 @@
 #include "training/corpus/Utterance.h"
 
 // Virtual speakers: recordings of few voices as if many had read them. Short-time spectra are split
-// into a smooth envelope (what mouth and throat do) and the rest (the voice itself); the envelope is
-// bent along frequency, flattened or sharpened and tilted, and the voice is made breathy above some
-// frequency. Pitch and time stay, so the labels do.
+// into a smooth envelope (what mouth and throat do) and the rest (the voice itself); the envelope
+// is bent along frequency, flattened or sharpened and tilted, and the voice is made breathy above
+// some frequency. Pitch and time stay, so the labels do.
 //
 //   Random random(seed);
 //   const VirtualSpeaker speaker = DrawVirtualSpeaker(random);
@@ -27,8 +27,8 @@ struct VirtualSpeaker {
   // The envelope at f [Hz] is the recording's at f (1 + the sum of both ripples at f): where that
   // sum is positive, formants come down. Sizes of 0.05 and 2 cycles never fold the scale.
   std::array<Ripple, 2> bends;
-  double sharpness = 1.0;  // factor of the envelope's distance from its mean, in dB
-  double tilt_db = 0.0;    // from 0 to 11025 Hz, even on the mel scale
+  double sharpness = 1.0;       // factor of the envelope's distance from its mean, in dB
+  double tilt_db = 0.0;         // from 0 to 11025 Hz, even on the mel scale
   double rough_above_hz = 1e9;  // phases are changed by chance above
   double roughness = 0.0;       // 0 to 1: by up to half a turn
   std::uint64_t seed = 1;       // of those phases

@@ -103,8 +103,8 @@ class ConditionEvaluation {
     // The same eight sentences under every condition.
     Random random(MixSeed(m_options.seed + 1000, number));
     const Candidates candidates = EightCandidates(*m_texts, heard.text, true, random);
-    findings.chosen = ChooseSentence(m_set, *DictionaryOf(m_language), candidates,
-                                     heard.samples) == candidates.right;
+    findings.chosen = ChooseSentence(m_set, *DictionaryOf(m_language), candidates, heard.samples) ==
+                      candidates.right;
     return findings;
   }
 

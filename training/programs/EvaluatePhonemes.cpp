@@ -9,7 +9,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <iterator>
+#include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "grading/PhonProbGrader.h"
@@ -29,6 +33,7 @@ namespace {
 
 struct Options {
   std::vector<std::string> corpora;
+  std::vector<std::string> rare;
   EngineFiles engine{.resources = "resources/", .goodness = false};
   std::string name = "test";
   int language = kLanguageEnglish;
@@ -55,7 +60,11 @@ class PhonemeEvaluation {
         m_language(static_cast<LanguageType>(options.language)),
         m_set(*PhonemeSetOf(m_language)),
         m_grader(*PhonProbGraderOf(m_language)),
-        m_utterances(ReadCorpora(options.corpora, options.most)) {
+        m_utterances(ReadCorpora(options.corpora, options.most)),
+        m_usual(m_utterances.size()) {
+    for (Utterance& one : ReadCorpora(options.rare, options.most)) {
+      m_utterances.push_back(std::move(one));
+    }
     const auto dictionary = DictionaryOf(m_language);
     for (const Utterance& utterance : m_utterances) {
       m_phonemes.push_back(PhonemesOf(utterance));
@@ -144,14 +153,18 @@ class PhonemeEvaluation {
                             PhonemeDistribution(m_set, *result, place)});
       }
     });
-    for (auto& own : found) std::ranges::move(own, std::back_inserter(m_right));
+    for (std::size_t u = 0; u < found.size(); ++u) {
+      if (u == m_usual) m_usual_right = m_right.size();
+      std::ranges::move(found[u], std::back_inserter(m_right));
+    }
+    if (m_usual == found.size()) m_usual_right = m_right.size();
   }
 
   template <typename Counts>
   void PrintRight(const char* measure, const Counts& counts_in) const {
     ClassCounts counts(m_set.GetSize());
     std::vector<double> scores;
-    for (const RightPhoneme& p : m_right) {
+    for (const RightPhoneme& p : std::span(m_right).first(m_usual_right)) {
       if (!counts_in(p)) continue;
       counts.Add(m_set.GetPhonemeIndex(p.symbol), p.distribution);
       scores.push_back(p.score);
@@ -189,7 +202,9 @@ class PhonemeEvaluation {
   const CPhonemeSet& m_set;
   const PhonProbGrader& m_grader;
   std::vector<Utterance> m_utterances;
-  std::vector<std::string> m_phonemes;                // of each utterance
+  std::size_t m_usual;                  // of them the first ones; rare sentences follow
+  std::size_t m_usual_right = 0;        // phonemes of those, the first of m_right
+  std::vector<std::string> m_phonemes;  // of each utterance
   std::vector<std::vector<std::size_t>> m_word_ends;  // of each utterance
   std::vector<RightPhoneme> m_right;
 };
@@ -209,6 +224,8 @@ int main(int argc, char** argv) {
   veral3::training::Options options;
   CLI::App app("Shows what phoneme scores are worth on voices that training never had.");
   app.add_option("--corpus", options.corpora, "held-out corpora")->required();
+  app.add_option("--rare", options.rare,
+                 "corpora of rare sounds, for errors and expected phonemes alone");
   app.add_option("--name", options.name, "what the lines printed begin with");
   app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
   AddEngineOptions(app, options.engine);

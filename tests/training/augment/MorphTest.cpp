@@ -156,8 +156,8 @@ TEST(Morph, KeepsTimeLabelsAndLevel) {
     EXPECT_EQ(result.syllables, clean.syllables);
     EXPECT_EQ(result.spoken_tones, clean.spoken_tones);
     EXPECT_EQ(result.text, clean.text);
-    EXPECT_NEAR(Decibels(Rms<std::int16_t>(result.samples) / Rms<std::int16_t>(clean.samples)),
-                0.0, 0.3);
+    EXPECT_NEAR(Decibels(Rms<std::int16_t>(result.samples) / Rms<std::int16_t>(clean.samples)), 0.0,
+                0.3);
     for (const PhonemeLabel& label : result.labels) {
       if (label.symbol == '-') continue;
       int onset = label.start - 800;
