@@ -161,6 +161,9 @@ int main(int argc, char** argv) {
   app.add_option("--festival", options.festival, "speak with this festival voice");
   app.add_flag("--held-out", options.speaker.held_out,
                "voices and sentences that training never has");
+  app.add_flag("--rare", options.speaker.rare,
+               "held-out English sentences of words with rare sounds")
+      ->needs("--held-out");
   CLI11_PARSE(app, argc, argv);
   try {
     veral3::training::Run(options);
