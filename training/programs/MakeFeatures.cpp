@@ -113,8 +113,12 @@ class Maker {
     };
     add(whole);
     if (m_options.pieces > 0.0 && random.Chance(m_options.pieces)) {
-      const std::vector<WordPlace> words = WordPlacesOf(whole, *m_dictionary);
-      ++(words.empty() ? m_not_cut : m_cut);
+      std::vector<WordPlace> words = WordPlacesOf(whole, *m_dictionary);
+      ++m_cut;
+      if (words.empty()) {
+        ++m_without_words;
+        words = WordlikePlaces(whole, random);
+      }
       for (const Utterance& piece : CutIntoPieces(whole, words, {}, random)) add(piece);
     }
     if (m_options.paragraphs > 0.0 && random.Chance(m_options.paragraphs)) {
@@ -127,7 +131,7 @@ class Maker {
   }
 
   int Cut() const { return m_cut; }
-  int NotCut() const { return m_not_cut; }
+  int WithoutWords() const { return m_without_words; }
 
  private:
   const Options& m_options;
@@ -136,7 +140,7 @@ class Maker {
   AugmentOptions m_augment;
   std::shared_ptr<const VeralDictionary> m_dictionary;
   std::atomic<int> m_cut = 0;
-  std::atomic<int> m_not_cut = 0;
+  std::atomic<int> m_without_words = 0;
 };
 
 void Run(const Options& options) {
@@ -184,7 +188,7 @@ void Run(const Options& options) {
               static_cast<double>(writer.NumFrames()) * kFrameShift / kSampleRate / 3600);
   if (options.pieces > 0.0) {
     std::printf("%d recordings cut into pieces, the words of %d not found\n", maker.Cut(),
-                maker.NotCut());
+                maker.WithoutWords());
   }
 }
 
@@ -215,7 +219,8 @@ int main(int argc, char** argv) {
   app.add_option("--morph", options.morphs, "of each utterance so many more by virtual speakers")
       ->check(CLI::NonNegativeNumber);
   app.add_option("--pieces", options.pieces,
-                 "share of the recordings that are also cut into pieces of one to three words")
+                 "share of the recordings that are also cut into pieces of one to three words; of "
+                 "stretches of 3 to 7 phonemes where the dictionary lacks them")
       ->check(CLI::Range(0.0, 1.0));
   app.add_option("--paragraphs", options.paragraphs,
                  "share of the recordings that are also joined to others of their voice")

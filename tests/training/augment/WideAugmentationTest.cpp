@@ -107,7 +107,8 @@ TEST(WideAugmentation, EdgesAreFromTenMillisecondsToThreeSeconds) {
       shorter += edge < 0.1;
       longer += edge > 1.0;
     }
-    const auto onset = std::ranges::find_if(result.samples, [](int x) { return std::abs(x) > 9000; });
+    const auto onset =
+        std::ranges::find_if(result.samples, [](int x) { return std::abs(x) > 9000; });
     EXPECT_NEAR(static_cast<double>(onset - result.samples.begin()), result.labels[1].start, 70);
     EXPECT_EQ(SpeechOf(result).size(), 22050u);
   }
@@ -133,7 +134,8 @@ TEST(WideAugmentation, PaddingBeforeAFirstPhonemeIsAPause) {
 TEST(WideAugmentation, BabbleIsFiveTo25DecibelsBelowTheSpeech) {
   std::vector<Utterance> others;
   for (int voice = 0; voice < 9; ++voice) {
-    others.push_back(ToneBetweenPauses(2000.0 + 500 * voice, std::string(1, static_cast<char>('a' + voice))));
+    others.push_back(
+        ToneBetweenPauses(2000.0 + 500 * voice, std::string(1, static_cast<char>('a' + voice))));
   }
   AugmentOptions options = Plain();
   options.babble_chance = 1.0;
@@ -161,7 +163,8 @@ TEST(WideAugmentation, BabbleIsFiveTo25DecibelsBelowTheSpeech) {
   EXPECT_GT(most, 21.0);
   EXPECT_LT(most, 29.0);
   options.others = {};
-  EXPECT_EQ(Made(ToneBetweenPauses(800), options).samples, Made(ToneBetweenPauses(800), Plain()).samples);
+  EXPECT_EQ(Made(ToneBetweenPauses(800), options).samples,
+            Made(ToneBetweenPauses(800), Plain()).samples);
 }
 
 TEST(WideAugmentation, HumClippingBandsAndCodecsEachByTheirChance) {
