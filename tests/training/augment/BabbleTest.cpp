@@ -48,6 +48,17 @@ TEST(Babble, HasSoManyVoicesOfEqualLevelAndNotOnesOwn) {
   }
 }
 
+TEST(Babble, GoesOnWithoutOnesOwnVoice) {
+  std::vector<Utterance> voices;
+  for (int i = 0; i < 12; ++i) {
+    voices.push_back(i % 2 == 0 ? ToneBetweenPauses(1000, "own") : ToneBetweenPauses(2500, "she"));
+  }
+  Random random(2);
+  const std::vector<float> babble = Babble(voices, "own", 3, 100000, random);
+  EXPECT_LT(AmplitudeAt<float>(babble, 1000), 0.001);
+  EXPECT_GT(AmplitudeAt<float>(babble, 2500), 0.1);
+}
+
 TEST(Babble, LastsAsLongAsTheRecording) {
   const std::vector<Utterance> voices = Voices();
   Random random(3);
