@@ -100,7 +100,7 @@ const PhoneInventory& CzechPhones() {
           {"c~", kSibilant, "C", "?", "?"},
           {"dz", kSibilant, "?", "?", "z"},
           {"dz~", kSibilant, "J", "?", "?"},
-          {"ch", kOther, "?", "h", "?"},  // velar
+          {"ch", kOther, "?", "h", "?"},   // velar
           {"h", kGlottal, "h", "?", "h"},  // voiced
           {"h_coda", kPlace, "?", "?", "?"},
           {"r", kRhotic, "?", "?", "?"},  // a trill
