@@ -1,8 +1,8 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
-#include <span>
 
 #include "training/common/Random.h"
 
@@ -15,7 +15,8 @@ enum class ForeignLanguage { kCatalan, kCzech, kFinnish, kItalian, kRussian, kTe
 // The words of a language, in UTF-8.
 std::span<const std::string_view> ForeignWords(ForeignLanguage language);
 
-// One to eight words, in one text of five a single one; some have a comma, all end with a full stop.
+// One to eight words, in one text of five a single one; some have a comma, all end with a full
+// stop.
 std::string DrawForeignText(ForeignLanguage language, Random& random);
 
 }  // namespace veral3::training

@@ -11,7 +11,8 @@ namespace {
 
 using enum Synthesiser;
 
-// The three Indian packages (festvox-te-nsk, -hi-nsk, -mr-nsk) hold the same recordings: one is here.
+// The three Indian packages (festvox-te-nsk, -hi-nsk, -mr-nsk) hold the same recordings: one is
+// here.
 constexpr auto kVoices = std::to_array<RecordedVoice>({
     {kFlite, "kal16", "flite1-dev", "flite (BSD-like)", 16000, "UTF-8", ArpabetPhones},
     {kFlite, "awb", "flite1-dev", "flite (BSD-like)", 16000, "UTF-8", ArpabetPhones},

@@ -7,8 +7,8 @@ const PhoneInventory& RussianPhones() {
   static const PhoneInventory inventory(
       {
           {"pau", kPause, "-", "-", "-"},
-          // Stressed vowels, then those of the first and the second degree of reduction (ay after hard
-          // consonants, ae after soft ones).
+          // Stressed vowels, then those of the first and the second degree of reduction (ay after
+          // hard consonants, ae after soft ones).
           {"ii", kVowel, "i", "i", "i"},
           {"yy", kVowel, "?", "?", "?"},
           {"uu", kVowel, "?", "u", "?"},
@@ -90,7 +90,8 @@ const PhoneInventory& TeluguPhones() {
           {"oo", kVowel, "?", "?", "?"},
           {"ay", kVowel, "?", "?", "?"},
           {"aw", kVowel, "?", "?", "?"},
-          // Plosives: voiced, or voiceless without aspiration; th and dh are dental, T and D retroflex.
+          // Plosives: voiced, or voiceless without aspiration; th and dh are dental, T and D
+          // retroflex.
           {"p", kVoicelessPlosive, "p", "?", "?"},
           {"p_onset", kPlace, "?", "b", "p"},
           {"b", kOther, "b", "?", "b"},

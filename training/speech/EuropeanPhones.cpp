@@ -43,7 +43,7 @@ const PhoneInventory& CatalanPhones() {
           {"f", kOther, "f", "f", "?"},
           {"s", kSibilant, "?", "?", "?"},
           {"z", kSibilant, "?", "?", "?"},
-          {"S", kSibilant, "S", "?", "?"},
+          {"S", kSibilant, "S", "?", "C"},
           {"Z", kSibilant, "?", "?", "?"},
           // Nasals and liquids: l is dark, r a tap, rr a trill.
           {"m", kNasal, "m", "m", "m"},
@@ -94,13 +94,13 @@ const PhoneInventory& CzechPhones() {
           {"v", kOther, "v", "?", "?"},
           {"s", kSibilant, "s", "s", "s"},
           {"z", kSibilant, "z", "?", "z"},
-          {"s~", kSibilant, "S", "?", "?"},
+          {"s~", kSibilant, "S", "?", "C"},
           {"z~", kSibilant, "Z", "?", "?"},
           {"c", kSibilant, "?", "z", "X"},
-          {"c~", kSibilant, "C", "?", "?"},
+          {"c~", kSibilant, "C", "?", "Y"},
           {"dz", kSibilant, "?", "?", "z"},
-          {"dz~", kSibilant, "J", "?", "?"},
-          {"ch", kOther, "?", "h", "?"},  // velar
+          {"dz~", kSibilant, "J", "?", "Z"},
+          {"ch", kOther, "?", "h", "?"},   // velar
           {"h", kGlottal, "h", "?", "h"},  // voiced
           {"h_coda", kPlace, "?", "?", "?"},
           {"r", kRhotic, "?", "?", "?"},  // a trill
@@ -245,12 +245,12 @@ const PhoneInventory& ItalianPhones() {
           {"v", kOther, "v", "?", "?"},
           {"s", kSibilant, "s", "s", "s"},
           {"z", kSibilant, "z", "?", "z"},
-          {"S", kSibilant, "S", "?", "?"},
+          {"S", kSibilant, "S", "?", "C"},
           {"Z", kSibilant, "Z", "?", "?"},
           {"ts", kSibilant, "?", "z", "X"},
-          {"tS", kSibilant, "C", "?", "?"},
+          {"tS", kSibilant, "C", "?", "Y"},
           {"dz", kSibilant, "?", "?", "z"},
-          {"dZ", kSibilant, "J", "?", "?"},
+          {"dZ", kSibilant, "J", "?", "Z"},
           // Nasals and liquids.
           {"m", kNasal, "m", "m", "m"},
           {"m_coda", kPlace, "m", "?", "?"},

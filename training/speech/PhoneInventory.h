@@ -8,9 +8,9 @@
 #include "common/LanguageType.h"
 #include "training/speech/PhonemeEvents.h"
 
-// The phones of a recorded voice and what each of them is near enough to in the three phoneme sets to
-// be learnt as. A phone that is near nothing reads "?" (kUnused): it is spoken, and nothing is learnt
-// of it. A wrong label costs more than a missing one, so doubtful phones are left unused.
+// The phones of a recorded voice and what each of them is near enough to in the three phoneme sets
+// to be learnt as. A phone that is near nothing reads "?" (kUnused): it is spoken, and nothing is
+// learnt of it. A wrong label costs more than a missing one, so doubtful phones are left unused.
 //
 // Sounds depend on their neighbours, so a phone may have rows for its places beside its own:
 //
