@@ -271,6 +271,26 @@ TEST(Readings, OfOneWordCanBeWrongAltogether) {
   EXPECT_THROW(maker.Make(word, ReadingKind::kSwapped, 0.1, random), std::logic_error);
 }
 
+TEST(RecordingOf, LabelsWhatIsSpoken) {
+  using ::testing::ElementsAre;
+  const ReadingMaker maker(English(), Drawer(), {});
+  Random random(1);
+  const Passage& passage = Recordings()[0];
+  const Reading right = maker.Make(passage, ReadingKind::kRight, 0.0, random);
+  const Utterance recording = RecordingOf(right, ReadingKind::kRight, "v");
+  EXPECT_EQ(recording.text, right.sentence);
+  EXPECT_EQ(recording.voice, "v");
+  EXPECT_EQ(recording.samples, right.samples);
+  EXPECT_THAT(recording.labels, ElementsAre(PhonemeLabel{'-', 0}, PhonemeLabel{'A', kEdge},
+                                            PhonemeLabel{'-', kEdge + 21 * kPhoneme}));
+  const Reading loud{"a", std::vector<std::int16_t>(50, 100)};
+  EXPECT_THAT(RecordingOf(loud, ReadingKind::kRight, "v").labels,
+              ElementsAre(PhonemeLabel{'A', 0}));
+  const Reading silent{"a", std::vector<std::int16_t>(50, 0)};
+  EXPECT_TRUE(RecordingOf(silent, ReadingKind::kRight, "v").labels.empty());
+  EXPECT_TRUE(RecordingOf(loud, ReadingKind::kNoise, "v").labels.empty());
+}
+
 TEST(Readings, TheSameNumbersMakeTheSameReading) {
   const ReadingMaker maker(English(), Drawer(), Foreign());
   for (const ReadingKind kind : kReadingKinds) {

@@ -36,11 +36,11 @@ struct Margin {
 };
 
 // `label`: the one beside the cut, `length` its samples.
-Margin MarginOf(char label, std::size_t length, bool may_keep, double keep_chance,
-                Random& random) {
+Margin MarginOf(char label, std::size_t length, bool may_keep, double keep_chance, Random& random) {
   const double wide = random.Uniform(0.01, 0.04);
   if (label == '-') return {std::min(length, SamplesOf(wide)), '-', false};
-  if (may_keep && random.Chance(keep_chance)) return {std::min(length, SamplesOf(wide)), label, false};
+  if (may_keep && random.Chance(keep_chance))
+    return {std::min(length, SamplesOf(wide)), label, false};
   return {std::min(length, SamplesOf(random.Uniform(0.01, 0.02))), '-', true};
 }
 
@@ -88,8 +88,9 @@ Utterance PieceOf(const Utterance& utterance, std::span<const WordPlace> words, 
     piece.text += (piece.text.empty() ? "" : " ") + words[word].text;
   }
   const std::size_t from = begin - before.length;
-  piece.samples.assign(utterance.samples.begin() + static_cast<std::ptrdiff_t>(from),
-                       utterance.samples.begin() + static_cast<std::ptrdiff_t>(stop + after.length));
+  piece.samples.assign(
+      utterance.samples.begin() + static_cast<std::ptrdiff_t>(from),
+      utterance.samples.begin() + static_cast<std::ptrdiff_t>(stop + after.length));
   constexpr double kClick = 0.002;  // a hard cut is softened, too
   if (before.symbol != '-' || before.faded) {
     FadeIn(piece.samples, before.faded ? before.length : SamplesOf(kClick));
@@ -148,8 +149,8 @@ Utterance Join(std::span<const Utterance> parts, Random& random) {
     whole.text += laid.text;
     const auto offset = static_cast<std::int32_t>(whole.samples.size());
     for (const PhonemeLabel& label : laid.labels) {
-      const bool in_pause = label.symbol == '-' && !whole.labels.empty() &&
-                            whole.labels.back().symbol == '-';
+      const bool in_pause =
+          label.symbol == '-' && !whole.labels.empty() && whole.labels.back().symbol == '-';
       if (!in_pause) whole.labels.push_back({label.symbol, label.start + offset});
     }
     whole.samples.insert(whole.samples.end(), laid.samples.begin(), laid.samples.end());

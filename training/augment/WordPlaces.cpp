@@ -28,7 +28,8 @@ std::vector<Token> TokensOf(const std::string& text, const VeralDictionary& dict
   std::vector<Token> tokens;
   for (std::string one; stream >> one;) {
     const std::wstring wide = WideFromUtf8(one);
-    const bool is_mark = dictionary.GetNextIndexOfVaildChar(wide, 0) >= static_cast<int>(wide.size());
+    const bool is_mark =
+        dictionary.GetNextIndexOfVaildChar(wide, 0) >= static_cast<int>(wide.size());
     if (is_mark) {
       if (!tokens.empty()) tokens.back().text += " " + one;
       continue;

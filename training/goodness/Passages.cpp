@@ -46,8 +46,7 @@ Passage PieceOf(const Passage& passage, std::size_t first, std::size_t count) {
   const std::int32_t next_start = last + 1 < passage.words.size()
                                       ? passage.words[last + 1].Start()
                                       : static_cast<std::int32_t>(passage.samples.size());
-  const std::int32_t begin =
-      std::max(previous_end, passage.words[first].Start() - kMostPause);
+  const std::int32_t begin = std::max(previous_end, passage.words[first].Start() - kMostPause);
   const std::int32_t end = std::min(next_start, passage.words[last].end + kMostPause);
   Passage piece;
   piece.voice = passage.voice;

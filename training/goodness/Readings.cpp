@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <map>
 #include <stdexcept>
 
@@ -214,6 +215,23 @@ std::string_view NameOf(ReadingKind kind) {
 bool IsGraded(ReadingKind kind) {
   return (kind >= ReadingKind::kReplaced && kind <= ReadingKind::kBegunLate) ||
          kind == ReadingKind::kSpeechBefore || kind == ReadingKind::kSpeechAfter;
+}
+
+Utterance RecordingOf(const Reading& reading, ReadingKind kind, const std::string& voice) {
+  Utterance recording{reading.sentence, voice, {}, reading.samples};
+  if (kind >= ReadingKind::kSilence) return recording;
+  int peak = 0;
+  for (const std::int16_t x : reading.samples) peak = std::max(peak, std::abs(int{x}));
+  const auto is_loud = [peak](std::int16_t x) { return 100 * std::abs(int{x}) > peak; };
+  const auto first = std::ranges::find_if(reading.samples, is_loud);
+  if (first == reading.samples.end()) return recording;
+  const auto last = std::find_if(reading.samples.rbegin(), reading.samples.rend(), is_loud).base();
+  const auto begin = static_cast<std::int32_t>(first - reading.samples.begin());
+  const auto end = static_cast<std::int32_t>(last - reading.samples.begin());
+  if (begin > 0) recording.labels.push_back({'-', 0});
+  recording.labels.push_back({'A', begin});
+  if (last != reading.samples.end()) recording.labels.push_back({'-', end});
+  return recording;
 }
 
 double WantedProbability(double wrong) { return std::exp(-std::pow(wrong / 0.36, 1.7)); }

@@ -68,6 +68,10 @@ struct Reading {
   double wrong = 0.0;
 };
 
+// A reading as augmentation takes it: what is not silence at its ends is labelled as one phoneme.
+// Without any speech it has no labels.
+Utterance RecordingOf(const Reading& reading, ReadingKind kind, const std::string& voice);
+
 // The probability that the model should give a reading of which the share `wrong` is wrong. The
 // factor 1 / (1 - ln p) that it leaves of the scores is 1 / (1 + (wrong / 0.36)^1.7): .9 for a
 // tenth, .73 for a fifth, .36 for a half, .15 for all.

@@ -20,6 +20,7 @@
 
 #include "grading/TotalScore.h"
 #include "training/augment/Augment.h"
+#include "training/augment/Conditions.h"
 #include "training/common/ParallelFor.h"
 #include "training/engine/Engine.h"
 #include "training/features/VectorFile.h"
@@ -38,7 +39,7 @@ struct Options {
   std::string vectors;
   int language = kLanguageEnglish;
   int threads = 1;
-  int count = 120;
+  int count = 100;
   std::size_t most = 0;
   std::uint64_t seed = 7;
 };
@@ -56,7 +57,8 @@ struct Measure {
   int fewest = 0;  // words of the sentence; 0: recordings as they are
   int most = 0;
   Recorded recorded = Recorded::kPlain;
-  bool curve = false;  // area under the curve against the right readings before it
+  std::optional<Condition> condition = {};  // in place of that
+  bool curve = false;  // area under the curve against the right readings of the first measure
 };
 
 // Every kind, of recordings as they are.
@@ -152,6 +154,22 @@ std::vector<Measure> Lengths(const PassageDrawer& drawer) {
   return measures;
 }
 
+// Right and unrelated readings of recordings as they are, with one fault of the recording.
+std::vector<Measure> Conditions() {
+  std::vector<Measure> measures;
+  for (const ReadingKind kind : {ReadingKind::kRight, ReadingKind::kOtherSentence}) {
+    for (const Condition condition : kConditions) {
+      measures.push_back({.name = std::string(NameOf(kind)) + ", " + std::string(NameOf(condition)),
+                          .kind = kind,
+                          .share = 1.0,
+                          .condition = condition});
+    }
+  }
+  measures.push_back(
+      {.name = "right reading begun up to 100 ms late, clean", .kind = ReadingKind::kTrimmed});
+  return measures;
+}
+
 AugmentOptions AugmentationOf(Recorded recorded) {
   if (recorded == Recorded::kVaried) return {};
   return {.warp_chance = 0.0,
@@ -180,6 +198,7 @@ class Evaluation {
     };
     add(Shares());
     add(Lengths(m_drawer));
+    add(Conditions());
     std::optional<VectorWriter> writer;
     if (!m_options.vectors.empty()) {
       writer.emplace(m_options.vectors, kGoodnessFeatureCount, static_cast<int>(measures.size()));
@@ -208,9 +227,11 @@ class Evaluation {
           measure.fewest == 0 ? m_recordings[i]
                               : m_drawer.Draw(random.Between(measure.fewest, measure.most), random);
       const Reading reading = m_maker.Make(passage, measure.kind, measure.share, random);
-      const Utterance clean{reading.sentence, passage.voice, {}, reading.samples};
-      judgements[i] = Judge(m_language, reading.sentence,
-                            Augment(clean, AugmentationOf(measure.recorded), random).samples);
+      const Utterance clean = RecordingOf(reading, measure.kind, passage.voice);
+      const Utterance recorded =
+          measure.condition ? UnderCondition(clean, *measure.condition, m_utterances, random)
+                            : Augment(clean, AugmentationOf(measure.recorded), random);
+      judgements[i] = Judge(m_language, reading.sentence, recorded.samples);
     });
     return judgements;
   }
@@ -224,7 +245,7 @@ class Evaluation {
       factors.push_back(GoodnessFactor(judgement->probability));
     }
     std::printf("%s | goodness, %s | ", m_options.name.c_str(), measure.name.c_str());
-    if (measure.kind == ReadingKind::kRight && measure.fewest == 0) m_right = probabilities;
+    if (m_right.empty()) m_right = probabilities;
     if (measure.curve) {
       std::printf("area under curve %.4f | ", AreaUnderCurve(m_right, probabilities));
     }
@@ -240,11 +261,12 @@ class Evaluation {
 
   const Options& m_options;
   LanguageType m_language;
+  std::vector<Utterance> m_utterances;
   std::vector<Passage> m_recordings;
   std::vector<Utterance> m_foreign;
   PassageDrawer m_drawer;
   ReadingMaker m_maker;
-  std::vector<double> m_right;  // probabilities of the right readings, for the curves
+  std::vector<double> m_right;  // probabilities of the first measure
 };
 
 }  // namespace
@@ -261,7 +283,7 @@ int main(int argc, char** argv) {
   app.add_option("--resources", options.engine.resources, "folder of dictionaries and models");
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");
-  app.add_option("--count", options.count, "readings a measure by share, length or condition");
+  app.add_option("--count", options.count, "readings a measure");
   app.add_option("--vectors", options.vectors,
                  "keep the features here, the number of the line as class");
   CLI11_PARSE(app, argc, argv);

@@ -109,7 +109,7 @@ Example MakeExample(LanguageType language, const ReadingMaker& maker, const Pass
   if (needs_two && passage.words.size() < 2) example.kind = ReadingKind::kReplaced;
   const Reading reading = maker.Make(passage, example.kind, random.Uniform(), random);
   example.wrong = reading.wrong;
-  const Utterance clean{reading.sentence, passage.voice, {}, reading.samples};
+  const Utterance clean = RecordingOf(reading, example.kind, passage.voice);
   example.judgement =
       Judge(language, reading.sentence, Augment(clean, DrawAugmentation(random), random).samples);
   return example;

@@ -78,7 +78,8 @@ TEST(Pieces, KeepALittleOfThePausesAroundThem) {
     EXPECT_EQ(piece.labels.front().symbol, '-');
     EXPECT_EQ(piece.labels.back().symbol, '-');
     const std::int32_t before = piece.labels[1].start;
-    const std::int32_t after = static_cast<std::int32_t>(piece.samples.size()) - piece.labels[7].start;
+    const std::int32_t after =
+        static_cast<std::int32_t>(piece.samples.size()) - piece.labels[7].start;
     for (const std::int32_t margin : {before, after}) {
       EXPECT_GE(margin, 220);
       EXPECT_LE(margin, 883);
@@ -116,7 +117,8 @@ TEST(Pieces, ACutThroughSpeechFadesTheNeighbourOut) {
     const auto margin = static_cast<std::size_t>(piece.labels[1].start);
     EXPECT_GE(margin, 220u);
     EXPECT_LE(margin, 442u);
-    EXPECT_TRUE(std::is_sorted(piece.samples.begin(), piece.samples.begin() + piece.labels[1].start));
+    EXPECT_TRUE(
+        std::is_sorted(piece.samples.begin(), piece.samples.begin() + piece.labels[1].start));
     EXPECT_EQ(piece.samples[0], 0);
     EXPECT_NEAR(piece.samples[margin / 2], 550, 10);
     EXPECT_EQ(piece.samples[margin], 1200);
@@ -163,8 +165,8 @@ TEST(Pieces, AtTheEdgesOfARecordingWithoutPauses) {
 }
 
 TEST(Join, PutsRecordingsBehindEachOther) {
-  const std::vector<Utterance> parts = {Steps("one.", "-ab-", 1000), Steps("two three.", "cde", 1200),
-                                        Steps("four", "--f-", 1500)};
+  const std::vector<Utterance> parts = {
+      Steps("one.", "-ab-", 1000), Steps("two three.", "cde", 1200), Steps("four", "--f-", 1500)};
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
     Random random(seed);
     const Utterance whole = Join(parts, random);

@@ -9,14 +9,14 @@ namespace veral3::training {
 namespace {
 
 const VeralDictionary& Dictionary() {
-  static const VeralDictionary dictionary(IndexDictionary(
-      "VERAL 3 EN_KEP5 4\n"
-      "BAT 1 ? 1 1 0 b{t\n"
-      "DOG 2 ? 1 1 0 dOg\n"
-      "? 1 1 0 dAg\n"
-      "NET 1 ? 1 1 0 nEt\n"
-      "SAND 1 ? 1 1 0 s{nd\n",
-      "small.txt"));
+  static const VeralDictionary dictionary(
+      IndexDictionary("VERAL 3 EN_KEP5 4\n"
+                      "BAT 1 ? 1 1 0 b{t\n"
+                      "DOG 2 ? 1 1 0 dOg\n"
+                      "? 1 1 0 dAg\n"
+                      "NET 1 ? 1 1 0 nEt\n"
+                      "SAND 1 ? 1 1 0 s{nd\n",
+                      "small.txt"));
   return dictionary;
 }
 
