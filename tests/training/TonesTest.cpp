@@ -84,23 +84,20 @@ TEST(ToneTrack, LosesAVoiceBelowTheTrackerThatTheDeepOneFollows) {
     }
   }
   EXPECT_NEAR(MeanPitch(deep), 60.0, 1.5);
-  EXPECT_TRUE(FallsBelowTracker(deep, 0));
-  EXPECT_TRUE(FallsBelowTracker(deep, 1));
+  EXPECT_THAT(FallBelowTracker(deep), ElementsAre(true, true));
   const ToneTrack high = DeepTrackOf(TwoSyllables(200.0));
   EXPECT_NEAR(MeanPitch(high), 200.0, 2.0);
-  EXPECT_FALSE(FallsBelowTracker(high, 0));
+  EXPECT_THAT(FallBelowTracker(high), ElementsAre(false, false));
 }
 
 TEST(ToneTrack, ASyllableFallsBelowTheTrackerWhenAFifthOfItDoes) {
   ToneTrack track;
   track.pitch = {0, 90, 90, 90, 90, 74, 90, 90, 90, 74, 0, 0, 0};
   track.syllables = {{0, 6}, {5, 9}, {1, 5}, {10, 13}, {1, 10}};
-  const std::vector<bool> falls = {true, true, false, false, true};  // 1 of 5, 1 of 4, 2 of 9
-  for (std::size_t i = 0; i < falls.size(); ++i) {
-    EXPECT_EQ(FallsBelowTracker(track, i), falls[i]) << i;
-  }
+  // 1 of 5, 1 of 4, none, nothing, 2 of 9.
+  EXPECT_THAT(FallBelowTracker(track), ElementsAre(true, true, false, false, true));
   track.syllables = {{0, 9}};  // 1 of 8
-  EXPECT_FALSE(FallsBelowTracker(track, 0));
+  EXPECT_THAT(FallBelowTracker(track), ElementsAre(false));
   EXPECT_NEAR(MeanPitch(track), (7 * 90 + 74) / 8.0, 1e-9);
   track.syllables = {{10, 13}};
   EXPECT_EQ(MeanPitch(track), 0.0);
@@ -162,6 +159,41 @@ TEST(WarpTrack, KeepsSyllablesAndTheTrackersRange) {
   }
   EXPECT_TRUE(higher);
   EXPECT_TRUE(longer);
+}
+
+TEST(ToneExamples, LeaveOutLostSyllables) {
+  ToneTrack track = RisingTrack();
+  track.lost = {true, false, false, true, false};
+  const auto examples = ToneExamplesOf(track, "12345");
+  ASSERT_EQ(examples.size(), 3u);
+  EXPECT_EQ(examples[0].syllable, 1);
+  EXPECT_EQ(examples[1].tone_class, 3);
+  EXPECT_EQ(examples[2].syllable, 4);
+}
+
+TEST(WarpTrack, TellsWhichSyllablesALowVoiceLoses) {
+  ToneTrack track = RisingTrack();
+  for (std::int32_t& hz : track.pitch) hz = hz / 2 + 10;  // 85 to 104 Hz
+  track.lost = {false, false, false, false, true};
+  int lost = 0;
+  for (std::uint64_t seed = 0; seed < 100; ++seed) {
+    Random random(seed);
+    const ToneTrack warped = WarpTrack(track, random);
+    ASSERT_EQ(warped.lost.size(), 5u);
+    EXPECT_TRUE(warped.lost[4]);
+    const auto voiced = [](std::int32_t hz) { return hz > 0; };
+    for (std::size_t i = 0; i < 4; ++i) {
+      const FrameSpan span = warped.syllables[i];
+      const auto begin = warped.pitch.begin();
+      const auto left = std::count_if(begin + span.begin, begin + span.end, voiced);
+      if (left == 0) {
+        EXPECT_TRUE(warped.lost[i]) << seed;
+      }
+      lost += warped.lost[i];
+    }
+  }
+  EXPECT_GT(lost, 40);
+  EXPECT_LT(lost, 360);
 }
 
 TEST(WarpTrack, TakesTracksWithoutVoiceOrFrames) {

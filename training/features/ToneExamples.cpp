@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include "core/PitchSegments.h"
 #include "core/SyllablePitch.h"
@@ -30,6 +31,9 @@ double MeanLogPitch(const ToneTrack& track) {
   return count == 0 ? 0.0 : sum / count;
 }
 
+// Whether a syllable's tone is lost with the voiced frames that are below the tracker.
+bool IsLost(std::int64_t below, std::int64_t voiced) { return below > 0 && 5 * below >= voiced; }
+
 // How one speaker differs from another through a whole utterance.
 struct SpeakerWarp {
   double mean;      // logarithm of the source's pitch, about which it is stretched
@@ -41,9 +45,14 @@ struct SpeakerWarp {
   bool creaks;
 };
 
+struct WarpedSyllable {
+  std::vector<std::int32_t> frames;
+  bool lost = false;  // below the tracker
+};
+
 // `place`: 0 to 1, where in the utterance the syllable begins.
-std::vector<std::int32_t> WarpSyllable(std::span<const std::int32_t> frames,
-                                       const SpeakerWarp& speaker, double place, Random& random) {
+WarpedSyllable WarpSyllable(std::span<const std::int32_t> frames, const SpeakerWarp& speaker,
+                            double place, Random& random) {
   const double duration = speaker.duration * random.Uniform(0.8, 1.25);
   const auto length = std::max<std::size_t>(
       1, static_cast<std::size_t>(std::lround(static_cast<double>(frames.size()) * duration)));
@@ -58,6 +67,8 @@ std::vector<std::int32_t> WarpSyllable(std::span<const std::int32_t> frames,
   const bool creaks = speaker.creaks && random.Chance(0.4);
   const double creak_below = lowest * random.Uniform(1.02, 1.15);
   double wander = 0.0;
+  std::int64_t voiced = 0;
+  std::int64_t below = 0;
   std::vector<std::int32_t> warped(length, 0);
   for (std::size_t i = 0; i < length; ++i) {
     const double part = (static_cast<double>(i) + 0.5) / static_cast<double>(length);
@@ -70,12 +81,14 @@ std::vector<std::int32_t> WarpSyllable(std::span<const std::int32_t> frames,
     const double log_hz = speaker.mean + (std::log(hz) - speaker.mean) * range + shift +
                           slope * (part - 0.5) + wander;
     const double warped_hz = std::exp(log_hz);
+    ++voiced;
+    below += warped_hz < kWidestFloor;
     // The tracker follows nothing outside.
     if (warped_hz >= kWidestFloor && warped_hz <= kWidestCeiling) {
       warped[i] = static_cast<std::int32_t>(warped_hz);
     }
   }
-  return warped;
+  return {std::move(warped), IsLost(below, voiced)};
 }
 
 // Moves the boundaries between syllables by up to two frames.
@@ -165,12 +178,16 @@ double MeanPitch(const ToneTrack& track) {
   return count == 0 ? 0.0 : sum / count;
 }
 
-bool FallsBelowTracker(const ToneTrack& deep, std::size_t syllable) {
-  const auto frames = Slice(std::span<const std::int32_t>(deep.pitch), deep.syllables[syllable]);
-  const auto voiced = std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0; });
-  const auto lost =
-      std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0 && hz < kWidestFloor; });
-  return lost > 0 && 5 * lost >= voiced;
+std::vector<bool> FallBelowTracker(const ToneTrack& deep) {
+  std::vector<bool> fall;
+  for (const FrameSpan span : deep.syllables) {
+    const auto frames = Slice(std::span<const std::int32_t>(deep.pitch), span);
+    const auto voiced = std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0; });
+    const auto below =
+        std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0 && hz < kWidestFloor; });
+    fall.push_back(IsLost(below, voiced));
+  }
+  return fall;
 }
 
 ToneTrack WarpTrack(const ToneTrack& track, Random& random) {
@@ -188,12 +205,15 @@ ToneTrack WarpTrack(const ToneTrack& track, Random& random) {
   for (std::size_t i = 0; i < spans.size(); ++i) {
     const double place = static_cast<double>(i) / static_cast<double>(spans.size());
     const auto frames = Slice(pitch, spans[i]);
+    bool lost = false;
     FrameSpan span{static_cast<int>(warped.pitch.size()), static_cast<int>(warped.pitch.size())};
     if (!frames.empty()) {
-      const auto syllable = WarpSyllable(frames, speaker, place, random);
-      warped.pitch.insert(warped.pitch.end(), syllable.begin(), syllable.end());
+      const WarpedSyllable syllable = WarpSyllable(frames, speaker, place, random);
+      warped.pitch.insert(warped.pitch.end(), syllable.frames.begin(), syllable.frames.end());
       span.end = static_cast<int>(warped.pitch.size());
+      lost = syllable.lost;
     }
+    warped.lost.push_back(lost || (i < track.lost.size() && track.lost[i]));
     warped.syllables.push_back(span);
   }
   return warped;
@@ -209,6 +229,7 @@ std::vector<ToneExample> ToneExamplesOf(const ToneTrack& track, std::string_view
   const int average_length = AverageLength(track.syllables);
   std::vector<ToneExample> examples;
   for (std::size_t i = 0; i < tones.size(); ++i) {
+    if (i < track.lost.size() && track.lost[i]) continue;
     const auto frames = Slice(pitch, track.syllables[i]);
     if (CountPitchSegments(kLanguageChinese, frames).segments > kMaxSegments) continue;
     const int syllable = static_cast<int>(i);

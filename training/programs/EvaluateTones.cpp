@@ -268,11 +268,7 @@ class ToneEvaluation {
 
   static Voice VoiceOf(const Utterance& utterance) {
     const ToneTrack deep = DeepTrackOf(utterance);
-    Voice voice{MeanPitch(deep), {}};
-    for (std::size_t s = 0; s < deep.syllables.size(); ++s) {
-      voice.below.push_back(FallsBelowTracker(deep, s));
-    }
-    return voice;
+    return {MeanPitch(deep), FallBelowTracker(deep)};
   }
 
   static std::string NameOfClass(std::size_t c) {
