@@ -61,6 +61,45 @@ TEST(PooledSource, KnowsItsGroups) {
   EXPECT_THROW(source.GroupOf(2, 0.5), std::out_of_range);
 }
 
+class WeighedSource final : public ExampleSource {
+ public:
+  explicit WeighedSource(float weight) : m_weight(weight) {}
+  std::size_t NumExamples() const override { return 2; }
+  int NumInputs() const override { return 1; }
+  int NumClasses() const override { return 3; }
+  void BeginEpoch(Random&) override {}
+  void Fill(std::span<const std::uint32_t>, std::span<float>,
+            std::span<std::int64_t>) const override {}
+  bool HasWeights() const override { return true; }
+  void FillWeights(std::span<const std::uint32_t> examples,
+                   std::span<float> weights) const override {
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+      weights[i] = m_weight + static_cast<float>(examples[i / 3] * 10 + i % 3);
+    }
+  }
+
+ private:
+  float m_weight;
+};
+
+TEST(PooledSource, WeightsAreThoseOfTheSources) {
+  std::vector<std::unique_ptr<ExampleSource>> sources;
+  sources.push_back(std::make_unique<WeighedSource>(100.0f));
+  sources.push_back(std::make_unique<WeighedSource>(200.0f));
+  const PooledSource source(std::move(sources));
+  ASSERT_TRUE(source.HasWeights());
+  std::vector<float> weights(6);
+  source.FillWeights(std::vector<std::uint32_t>{3, 0}, weights);
+  EXPECT_THAT(weights, ElementsAre(210, 211, 212, 100, 101, 102));
+}
+
+TEST(PooledSource, WeightsOfSomeOnlyAreRefused) {
+  std::vector<std::unique_ptr<ExampleSource>> sources;
+  sources.push_back(std::make_unique<WeighedSource>(100.0f));
+  sources.push_back(std::make_unique<TaggedSource>(1.0f, 2));
+  EXPECT_THROW(PooledSource(std::move(sources)), std::runtime_error);
+}
+
 TEST(PooledSource, AllBeginTheirEpoch) {
   PooledSource source(Sources(TaggedSource(100, 4), TaggedSource(300, 2)));
   Random random(1);

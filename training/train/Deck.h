@@ -15,13 +15,13 @@ struct ExampleGroup {
   double share = 1.0;
 };
 
-// Deals out the examples of each epoch, so that a synthesiser that speaks for nothing does not drown
-// the few voices that were recorded: every group has its share, whatever its size. Within a group no
-// example comes twice more often than another.
+// Deals out the examples of each epoch, so that a synthesiser that speaks for nothing does not
+// drown the few voices that were recorded: every group has its share, whatever its size. Within a
+// group no example comes twice more often than another.
 class Deck {
  public:
-  // `size`: examples an epoch. Shares are taken relative to their sum. Throws std::runtime_error for
-  // a group without examples or a share that is not above 0.
+  // `size`: examples an epoch. Shares are taken relative to their sum. Throws std::runtime_error
+  // for a group without examples or a share that is not above 0.
   Deck(const std::vector<ExampleGroup>& groups, std::size_t size);
 
   // The next epoch's examples in random order.

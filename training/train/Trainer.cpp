@@ -104,6 +104,11 @@ ClassTables MakeTables(const TrainOptions& options, int columns) {
   return tables;
 }
 
+// The weights that an example's own stand for, smoothed over all columns.
+Tensor SmoothedWeights(const Tensor& weights, double smoothing) {
+  return weights * (1.0 - smoothing) + smoothing / static_cast<double>(weights.size(1));
+}
+
 double RateAt(double progress, double highest) {
   constexpr double kRise = 0.2;
   if (progress < kRise) return highest * (0.1 + 0.9 * progress / kRise);
@@ -154,13 +159,12 @@ std::vector<Classifier> TeachersOf(const TrainOptions& options, const Network& n
   return teachers;
 }
 
-// The probabilities that are wanted of a batch: those of its classes, mixed with what the teachers
+// The probabilities that are wanted of a batch: those that are known, mixed with what the teachers
 // say on average.
-Tensor WantedOf(const ClassTables& tables, const Tensor& classes, double teaching,
-                std::span<const Classifier> teachers, std::span<const float> rows) {
-  Tensor wanted = tables.wanted.index_select(0, classes);
-  if (teaching == 0.0) return wanted;
-  wanted = wanted * (1.0 - teaching);
+Tensor WithTeachers(const Tensor& known, double teaching, std::span<const Classifier> teachers,
+                    std::span<const float> rows) {
+  if (teaching == 0.0) return known;
+  Tensor wanted = known * (1.0 - teaching);
   const double each = teaching / static_cast<double>(teachers.size());
   for (const Classifier& teacher : teachers) wanted = wanted + teacher.Probabilities(rows) * each;
   return wanted;
@@ -185,6 +189,9 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   if (network.NumInputs() != source.NumInputs() || network.NumOutputs() != source.NumClasses()) {
     throw std::runtime_error("the network to start from has other inputs or classes");
   }
+  if (source.HasWeights() && !options.heads.empty()) {
+    throw std::runtime_error("weights of classes and columns by language exclude each other");
+  }
   Layers layers = LayersOf(network);
   torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
 
@@ -197,6 +204,9 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   const auto inputs = static_cast<std::size_t>(source.NumInputs());
   const Tensor rows = torch::empty({static_cast<std::int64_t>(batch), source.NumInputs()});
   const Tensor classes = torch::empty({static_cast<std::int64_t>(batch)}, torch::kInt64);
+  const Tensor weights = torch::empty({static_cast<std::int64_t>(batch), source.NumClasses()});
+  const std::span<float> weight_values(weights.data_ptr<float>(),
+                                       static_cast<std::size_t>(weights.numel()));
   const std::span<float> row_values(rows.data_ptr<float>(), batch * inputs);
   const std::span<std::int64_t> class_values(classes.data_ptr<std::int64_t>(), batch);
 
@@ -219,7 +229,12 @@ Network Train(const TrainOptions& options, ExampleSource& source,
         static_cast<torch::optim::AdamOptions&>(group.options()).lr(rate);
       }
       source.Fill(std::span(order).subspan(k * batch, batch), row_values, class_values);
-      const Tensor wanted = WantedOf(tables, classes, options.teaching, teachers, row_values);
+      if (source.HasWeights()) {
+        source.FillWeights(std::span(order).subspan(k * batch, batch), weight_values);
+      }
+      const Tensor known = source.HasWeights() ? SmoothedWeights(weights, options.smoothing)
+                                               : tables.wanted.index_select(0, classes);
+      const Tensor wanted = WithTeachers(known, options.teaching, teachers, row_values);
       Scale(network, row_values);
       Tensor magnitude = torch::zeros({});
       const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
