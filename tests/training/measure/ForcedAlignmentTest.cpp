@@ -15,7 +15,8 @@ Utterance Saying(std::initializer_list<PhonemeLabel> labels) {
 }
 
 TEST(ForcedAlignment, AWordEndsAtAPause) {
-  const Utterance utterance = Saying({{'-', 0}, {'s', 1000}, {'i', 3000}, {'-', 5000}, {'t', 9000}});
+  const Utterance utterance =
+      Saying({{'-', 0}, {'s', 1000}, {'i', 3000}, {'-', 5000}, {'t', 9000}});
   EXPECT_EQ(WordsOfLabels(utterance).Count(), 2);
 }
 
