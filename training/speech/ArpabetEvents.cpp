@@ -13,9 +13,11 @@ const PhoneInventory& ArpabetPhones() {
           {"pau", kPause, "-", "-", "-"},
           {"h#", kPause, "-", "-", "-"},
           {"brth", kPause, "-", "-", "-"},
-          // Consonants. Aspirated where they open into a vowel; a t between vowels may be a tap.
+          // Consonants. Plosives are aspirated where they open into a vowel, not surely between
+          // two; a t there may be a tap.
           {"p", kVoicelessPlosive, "p", "?", "?"},
           {"p_onset", kPlace, "p", "p", "p"},
+          {"p_medial", kPlace, "p", "?", "p"},
           {"b", kOther, "b", "?", "b"},
           {"t", kVoicelessPlosive, "t", "?", "?"},
           {"t_onset", kPlace, "t", "t", "t"},
@@ -23,6 +25,7 @@ const PhoneInventory& ArpabetPhones() {
           {"d", kOther, "d", "?", "d"},
           {"k", kVoicelessPlosive, "k", "?", "?"},
           {"k_onset", kPlace, "k", "k", "k"},
+          {"k_medial", kPlace, "k", "?", "k"},
           {"g", kOther, "g", "?", "g"},
           {"dx", kOther, "t", "?", "r"},
           {"m", kNasal, "m", "m", "m"},
@@ -61,14 +64,14 @@ const PhoneInventory& ArpabetPhones() {
           {"uw", kVowel, "u", "?", "?"},
           {"uh", kVowel, "U", "?", "?"},
           {"ah", kVowel, "V", "?", "a"},
-          {"ax", kVowel, "@", "@", "?"},
-          {"er", kVowel, "3", "R", "?"},
-          {"axr", kVowel, "3", "R", "?"},
+          {"ax", kVowel, "@", "?", "?"},
+          {"er", kVowel, "3", "?", "?"},
+          {"axr", kVowel, "3", "?", "?"},
           {"ey", kVowel, "EI", "Ei", "?"},
           {"ay", kVowel, "AI", "ai", "?"},
           {"aw", kVowel, "AU", "au", "?"},
           {"oy", kVowel, "OI", "?", "?"},
-          {"ow", kVowel, "@U", "ou", "?"},
+          {"ow", kVowel, "@U", "?", "?"},
       },
       kLanguageEnglish);
   return inventory;

@@ -66,11 +66,12 @@ const PhoneInventory& CzechPhones() {
       {
           {"#", kPause, "-", "-", "-"},
           {"_", kOther, "?", "?", "?"},  // a glottal stroke
-          // Vowels: the short i is lax, e is open, o is of middle height.
+          // Vowels: the short i is lax, e is open enough to be heard as Japanese a, o is of middle
+          // height.
           {"a", kVowel, "?", "a", "a"},
           {"a:", kVowel, "?", "a", "aa"},
-          {"e", kVowel, "E", "?", "e"},
-          {"e:", kVowel, "E", "?", "ee"},
+          {"e", kVowel, "E", "?", "?"},
+          {"e:", kVowel, "E", "?", "?"},
           {"i", kVowel, "I", "?", "?"},
           {"i:", kVowel, "i", "i", "ii"},
           {"o", kVowel, "?", "o", "o"},
@@ -113,7 +114,7 @@ const PhoneInventory& CzechPhones() {
           {"n", kNasal, "n", "n", "n"},
           {"n*", kNasal, "N", "M", "n"},  // before k and g
           {"n~", kOther, "?", "?", "?"},
-          {"l", kLateral, "l", "l", "?"},
+          {"l", kLateral, "l", "?", "?"},
           {"l_coda", kPlace, "?", "?", "?"},
           {"j", kGlide, "j", "i", "j"},
           {"j_coda", kPlace, "?", "?", "?"},
@@ -146,7 +147,7 @@ const PhoneInventory& FinnishPhones() {
           {"7", kVowel, "?", "?", "?"},
           {"7:", kVowel, "?", "?", "?"},
           {"&", kVowel, "@", "@", "?"},
-          // Plosives are voiceless without aspiration, d is voiced.
+          // Plosives are voiceless without aspiration, d is nearly a tap.
           {"p", kVoicelessPlosive, "p", "?", "?"},
           {"p_onset", kPlace, "?", "b", "p"},
           {"p:", kVoicelessPlosive, "?", "?", "pp"},
@@ -158,7 +159,7 @@ const PhoneInventory& FinnishPhones() {
           {"k:", kVoicelessPlosive, "?", "?", "kk"},
           {"b", kOther, "b", "?", "b"},
           {"b:", kOther, "?", "?", "?"},
-          {"d", kOther, "d", "?", "d"},
+          {"d", kOther, "?", "?", "?"},
           {"d:", kOther, "?", "?", "?"},
           {"g", kOther, "g", "?", "g"},
           {"g:", kOther, "?", "?", "?"},
@@ -211,20 +212,21 @@ const PhoneInventory& ItalianPhones() {
   static const PhoneInventory inventory(
       {
           {"#", kPause, "-", "-", "-"},
-          // Vowels; 1 is stress, which lengthens them. a is central, e and o are nearly i and u.
+          // Vowels; 1 is stress, which lengthens them. a is central, e and o are nearly i and u, E
+          // and O open.
           {"i", kVowel, "i", "i", "i"},
-          {"e", kVowel, "?", "?", "e"},
+          {"e", kVowel, "?", "?", "?"},
           {"E", kVowel, "E", "E", "e"},
           {"a", kVowel, "?", "a", "a"},
           {"o", kVowel, "?", "?", "?"},
-          {"O", kVowel, "O", "o", "o"},
+          {"O", kVowel, "O", "?", "?"},
           {"u", kVowel, "?", "u", "?"},
           {"i1", kVowel, "i", "i", "i"},
           {"e1", kVowel, "?", "?", "?"},
           {"E1", kVowel, "E", "E", "e"},
           {"a1", kVowel, "?", "a", "a"},
           {"o1", kVowel, "?", "?", "?"},
-          {"O1", kVowel, "O", "o", "o"},
+          {"O1", kVowel, "O", "?", "?"},
           {"u1", kVowel, "?", "u", "?"},
           {"j", kGlide, "j", "i", "j"},
           {"j_coda", kPlace, "?", "?", "?"},
