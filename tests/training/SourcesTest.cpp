@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 
@@ -109,6 +110,29 @@ TEST(VectorSource, GivesTheRowsOfAllFiles) {
   source.Fill(std::vector<std::uint32_t>{2, 0}, rows, classes);
   EXPECT_THAT(rows, ::testing::ElementsAre(2.5f, 2.5f, 2.5f, 4.5f, 4.5f, 4.5f));
   EXPECT_THAT(classes, ::testing::ElementsAre(2, 4));
+  ASSERT_TRUE(source.HasWeights());
+  std::vector<float> weights(10);
+  source.FillWeights(std::vector<std::uint32_t>{2, 0}, weights);
+  EXPECT_THAT(weights, ::testing::ElementsAre(0, 0, 1, 0, 0, 0, 0, 0, 0, 1));
+}
+
+TEST(VectorSource, GivesWeightsOfClasses) {
+  VectorWriter writer(VectorPath("veral3_w.vectors"), 1, 2);
+  writer.Write(std::vector{1.0f}, std::vector{0.75f, 0.25f});
+  writer.Write(std::vector{2.0f}, std::vector{0.125f, 0.875f});
+  writer.Close();
+  EXPECT_EQ(writer.NumExamples(), 2u);
+  const std::vector<VectorFile> files = {ReadVectorFile(VectorPath("veral3_w.vectors"))};
+  EXPECT_EQ(files[0].NumExamples(), 2u);
+  VectorSource source(files);
+  std::vector<float> rows(2);
+  std::vector<float> weights(4);
+  std::vector<std::int64_t> classes(2);
+  source.Fill(std::vector<std::uint32_t>{1, 0}, rows, classes);
+  source.FillWeights(std::vector<std::uint32_t>{1, 0}, weights);
+  EXPECT_THAT(rows, ::testing::ElementsAre(2.0f, 1.0f));
+  EXPECT_THAT(weights, ::testing::ElementsAre(0.125f, 0.875f, 0.75f, 0.25f));
+  EXPECT_THAT(classes, ::testing::ElementsAre(1, 0));
 }
 
 TEST(VectorSource, RefusesFilesThatDiffer) {
@@ -122,6 +146,11 @@ TEST(VectorFile, RefusesWhatDoesNotFit) {
   EXPECT_THROW(writer.Write(std::vector<float>(2), 0), std::invalid_argument);
   EXPECT_THROW(writer.Write(std::vector<float>(3), 2), std::invalid_argument);
   EXPECT_THROW(writer.Write(std::vector<float>(3), -1), std::invalid_argument);
+  for (const std::vector<float>& weights :
+       {std::vector{1.0f}, std::vector{0.5f, 0.25f}, std::vector{1.5f, -0.5f},
+        std::vector{std::nanf(""), 1.0f}}) {
+    EXPECT_THROW(writer.Write(std::vector<float>(3), weights), std::invalid_argument);
+  }
   EXPECT_THROW(VectorWriter(VectorPath("veral3_d.vectors"), 0, 2), std::invalid_argument);
 }
 
@@ -129,16 +158,16 @@ TEST(VectorFile, RefusesDamagedFiles) {
   const auto path = VectorPath("veral3_e.vectors");
   std::filesystem::remove(path);
   EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
-  std::ofstream(path) << "V3VECT1\n";
+  std::ofstream(path) << "V3VECT2\n";
   EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
   WriteVectors(path, {1, 2, 3});
-  EXPECT_EQ(ReadVectorFile(path).class_of.size(), 3u);
+  EXPECT_EQ(ReadVectorFile(path).NumExamples(), 3u);
   std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
   EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
   WriteVectors(path, {1, 2, 3});
   std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
   file.seekp(-1, std::ios::end);
-  file.put('\5');  // a class that there is not
+  file.put('\x40');  // a weight of 2 more
   file.close();
   EXPECT_THROW(ReadVectorFile(path), std::runtime_error);
 }

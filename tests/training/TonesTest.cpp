@@ -74,6 +74,38 @@ TEST(ToneTrack, HasThePitchOfTheVoice) {
   }
 }
 
+TEST(ToneTrack, LosesAVoiceBelowTheTrackerThatTheDeepOneFollows) {
+  const Utterance low = TwoSyllables(60.0);
+  const ToneTrack deep = DeepTrackOf(low);
+  for (const FrameSpan span : deep.syllables) {
+    for (int f = span.begin + 4; f < span.end - 4; ++f) {
+      EXPECT_NEAR(deep.pitch[static_cast<std::size_t>(f)], 60, 1) << f;
+      EXPECT_NE(ToneTrackOf(low).pitch[static_cast<std::size_t>(f)], 60) << f;
+    }
+  }
+  EXPECT_NEAR(MeanPitch(deep), 60.0, 1.5);
+  EXPECT_TRUE(FallsBelowTracker(deep, 0));
+  EXPECT_TRUE(FallsBelowTracker(deep, 1));
+  const ToneTrack high = DeepTrackOf(TwoSyllables(200.0));
+  EXPECT_NEAR(MeanPitch(high), 200.0, 2.0);
+  EXPECT_FALSE(FallsBelowTracker(high, 0));
+}
+
+TEST(ToneTrack, ASyllableFallsBelowTheTrackerWhenAFifthOfItDoes) {
+  ToneTrack track;
+  track.pitch = {0, 90, 90, 90, 90, 74, 90, 90, 90, 74, 0, 0, 0};
+  track.syllables = {{0, 6}, {5, 9}, {1, 5}, {10, 13}, {1, 10}};
+  const std::vector<bool> falls = {true, true, false, false, true};  // 1 of 5, 1 of 4, 2 of 9
+  for (std::size_t i = 0; i < falls.size(); ++i) {
+    EXPECT_EQ(FallsBelowTracker(track, i), falls[i]) << i;
+  }
+  track.syllables = {{0, 9}};  // 1 of 8
+  EXPECT_FALSE(FallsBelowTracker(track, 0));
+  EXPECT_NEAR(MeanPitch(track), (7 * 90 + 74) / 8.0, 1e-9);
+  track.syllables = {{10, 13}};
+  EXPECT_EQ(MeanPitch(track), 0.0);
+}
+
 TEST(ToneTrack, IsEmptyForARecordingBelowOneFrame) {
   Utterance utterance;
   utterance.samples.resize(kFrameLength - 1);
@@ -142,18 +174,23 @@ TEST(WarpTrack, TakesTracksWithoutVoiceOrFrames) {
   EXPECT_TRUE(WarpTrack({}, random).syllables.empty());
 }
 
-TEST(ToneVoices, AreRaisedAndHaveMelody) {
+TEST(ToneVoices, AreLowAndHighAndHaveMelody) {
   for (const bool held_out : {false, true}) {
     Random random(1);
+    int lowest = 99;
+    int highest = 0;
     for (int i = 0; i < 500; ++i) {
       const EspeakVoice voice = DrawToneVoice(random, held_out);
       const std::string variant = voice.name.substr(voice.name.rfind('+') + 1);
       EXPECT_EQ(std::ranges::count(kHeldOutVariants, variant), held_out ? 1 : 0) << variant;
       EXPECT_NE(variant, "aunty");
       EXPECT_NE(variant, "Alex");
-      EXPECT_GE(voice.pitch, 65);
       EXPECT_GE(voice.range, 85);
+      lowest = std::min(lowest, voice.pitch);
+      highest = std::max(highest, voice.pitch);
     }
+    EXPECT_LT(lowest, 25);
+    EXPECT_GT(highest, 90);
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/PitchSegments.h"
 #include "core/SyllablePitch.h"
+#include "signal/CPraAutoCorrPDA.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/FramePitch.h"
 #include "signal/HighPassFilter.h"
@@ -92,6 +93,19 @@ std::vector<FrameSpan> MovedSyllables(const ToneTrack& track, Random& random) {
   return spans;
 }
 
+template <typename Tracker>
+ToneTrack TrackOf(const Utterance& utterance, const Tracker& tracker) {
+  ToneTrack track;
+  track.syllables = SyllableFrames(utterance);
+  std::vector<std::int16_t> samples = utterance.samples;
+  HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  if (count < kFrameLength) return track;
+  track.pitch.resize(static_cast<std::size_t>(NumFrames(count)));
+  tracker(samples.data(), count, std::span<int>(track.pitch));
+  return track;
+}
+
 }  // namespace
 
 int ToneClassOf(char tone) {
@@ -125,15 +139,38 @@ std::vector<FrameSpan> SyllableFrames(const Utterance& utterance) {
 }
 
 ToneTrack ToneTrackOf(const Utterance& utterance) {
-  ToneTrack track;
-  track.syllables = SyllableFrames(utterance);
-  std::vector<std::int16_t> samples = utterance.samples;
-  HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
-  const auto count = static_cast<std::uint32_t>(samples.size());
-  if (count < kFrameLength) return track;
-  track.pitch.resize(static_cast<std::size_t>(NumFrames(count)));
-  CalculateFramePitch(samples.data(), count, track.pitch);
-  return track;
+  return TrackOf(utterance, [](const std::int16_t* samples, std::uint32_t n, std::span<int> pitch) {
+    CalculateFramePitch(samples, n, pitch);
+  });
+}
+
+ToneTrack DeepTrackOf(const Utterance& utterance) {
+  constexpr double kDeepFloor = 40.0;  // Hz
+  return TrackOf(utterance, [](const std::int16_t* samples, std::uint32_t n, std::span<int> pitch) {
+    const auto track = CPraAutoCorrPDA().SoundToPitch(samples, n, 1.0 / kSampleRate, 0.0,
+                                                      kDeepFloor, kWidestCeiling);
+    if (track) MapTrackToFrames(*track, pitch);
+  });
+}
+
+double MeanPitch(const ToneTrack& track) {
+  double sum = 0.0;
+  int count = 0;
+  for (const FrameSpan span : track.syllables) {
+    for (const std::int32_t hz : Slice(std::span<const std::int32_t>(track.pitch), span)) {
+      sum += hz;
+      count += hz > 0;
+    }
+  }
+  return count == 0 ? 0.0 : sum / count;
+}
+
+bool FallsBelowTracker(const ToneTrack& deep, std::size_t syllable) {
+  const auto frames = Slice(std::span<const std::int32_t>(deep.pitch), deep.syllables[syllable]);
+  const auto voiced = std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0; });
+  const auto lost =
+      std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0 && hz < kWidestFloor; });
+  return lost > 0 && 5 * lost >= voiced;
 }
 
 ToneTrack WarpTrack(const ToneTrack& track, Random& random) {

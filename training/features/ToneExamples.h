@@ -34,6 +34,16 @@ int ToneClassOf(char tone);
 // The syllables where the labels have them; samples filtered as alignment filters them.
 ToneTrack ToneTrackOf(const Utterance& utterance);
 
+// The same by a tracker that follows a voice down to 40 Hz, to tell what the engine's loses.
+ToneTrack DeepTrackOf(const Utterance& utterance);
+
+// Mean of the voiced frames of all syllables [Hz], 0 where there are none.
+double MeanPitch(const ToneTrack& track);
+
+// Whether a fifth or more of a syllable's voiced frames lie below the engine's tracker: what of its
+// tone is left is then chance. `deep`: the track of DeepTrackOf.
+bool FallsBelowTracker(const ToneTrack& deep, std::size_t syllable);
+
 // The frames of an utterance's syllables by its labels.
 std::vector<FrameSpan> SyllableFrames(const Utterance& utterance);
 

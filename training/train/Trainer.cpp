@@ -104,6 +104,11 @@ ClassTables MakeTables(const TrainOptions& options, int columns) {
   return tables;
 }
 
+// The weights that an example's own stand for, smoothed over all columns.
+Tensor SmoothedWeights(const Tensor& weights, double smoothing) {
+  return weights * (1.0 - smoothing) + smoothing / static_cast<double>(weights.size(1));
+}
+
 double RateAt(double progress, double highest) {
   constexpr double kRise = 0.2;
   if (progress < kRise) return highest * (0.1 + 0.9 * progress / kRise);
@@ -134,6 +139,9 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   if (network.NumInputs() != source.NumInputs() || network.NumOutputs() != source.NumClasses()) {
     throw std::runtime_error("the network to start from has other inputs or classes");
   }
+  if (source.HasWeights() && !options.heads.empty()) {
+    throw std::runtime_error("weights of classes and columns by language exclude each other");
+  }
   Layers layers = LayersOf(network);
   torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
 
@@ -145,6 +153,9 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   const auto inputs = static_cast<std::size_t>(source.NumInputs());
   const Tensor rows = torch::empty({static_cast<std::int64_t>(batch), source.NumInputs()});
   const Tensor classes = torch::empty({static_cast<std::int64_t>(batch)}, torch::kInt64);
+  const Tensor weights = torch::empty({static_cast<std::int64_t>(batch), source.NumClasses()});
+  const std::span<float> weight_values(weights.data_ptr<float>(),
+                                       static_cast<std::size_t>(weights.numel()));
   const std::span<float> row_values(rows.data_ptr<float>(), batch * inputs);
   const std::span<std::int64_t> class_values(classes.data_ptr<std::int64_t>(), batch);
 
@@ -166,11 +177,15 @@ Network Train(const TrainOptions& options, ExampleSource& source,
       }
       source.Fill(std::span(order).subspan(k * batch, batch), row_values, class_values);
       Scale(network, row_values);
+      if (source.HasWeights()) {
+        source.FillWeights(std::span(order).subspan(k * batch, batch), weight_values);
+      }
       Tensor magnitude = torch::zeros({});
       const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
       const Tensor open = scores + tables.closed.index_select(0, classes);
-      Tensor loss =
-          -(tables.wanted.index_select(0, classes) * torch::log_softmax(open, 1)).sum(1).mean();
+      const Tensor wanted = source.HasWeights() ? SmoothedWeights(weights, options.smoothing)
+                                                : tables.wanted.index_select(0, classes);
+      Tensor loss = -(wanted * torch::log_softmax(open, 1)).sum(1).mean();
       loss_sum += loss.item<double>();
       right += open.detach().argmax(1).eq(classes).sum().item<double>();
       if (options.sparsity > 0.0) loss = loss + options.sparsity * magnitude;

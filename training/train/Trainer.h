@@ -12,7 +12,8 @@
 // Training of fully connected classifiers. The only file that knows libtorch is Trainer.cpp.
 namespace veral3::training {
 
-// Where examples come from: rows of inputs as the engine would give them, each with a class.
+// Where examples come from: rows of inputs as the engine would give them, each with a class, or
+// with weights of all classes where none is the whole truth.
 class ExampleSource {
  public:
   virtual ~ExampleSource() = default;
@@ -24,6 +25,11 @@ class ExampleSource {
   // Inputs (rows) and classes of the given examples.
   virtual void Fill(std::span<const std::uint32_t> examples, std::span<float> inputs,
                     std::span<std::int64_t> classes) const = 0;
+  // Whether FillWeights has more to say than the classes; then the classes only count.
+  virtual bool HasWeights() const { return false; }
+  // Weights (rows, one a class, 1 together) of the given examples; nothing without HasWeights.
+  virtual void FillWeights(std::span<const std::uint32_t> /*examples*/,
+                           std::span<float> /*weights*/) const {}
 };
 
 // Output columns that compete among themselves: those of one language in a network of several.
