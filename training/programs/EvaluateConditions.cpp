@@ -97,7 +97,7 @@ class ConditionEvaluation {
             PhonProbGraderOf(m_language)->ComputePhonScore(said, distribution));
       }
     }
-    if (const auto judgement = Judge(m_language, {heard.text, heard.samples})) {
+    if (const auto judgement = Judge(m_language, heard.text, heard.samples)) {
       findings.factor = GoodnessFactor(judgement->probability);
     }
     // The same eight sentences under every condition.

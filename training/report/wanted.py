@@ -134,7 +134,7 @@ AIMS = [
     Aim("factor of a right one-word text, median", "at least .90",
         figure(r"goodness, right reading, 1 word", FACTOR, at_least(0.90))),
     Aim("factor of a wrong one-word text, median", "at most .50",
-        figure(r"goodness, unrelated sentence, 1 word", FACTOR, at_most(0.50))),
+        figure(r"goodness, words replaced, 1 word", FACTOR, at_most(0.50))),
     Aim("factor with one word of ten replaced, median", "at least .85",
         figure(r"goodness, 1 of 10 words wrong, words replaced", FACTOR, at_least(0.85))),
     Aim("factor with one word of five replaced, median", ".6 to .9",
