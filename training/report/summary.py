@@ -24,6 +24,9 @@ VOICES = """## Whose voices
 | HMM voice | another technology again, a statistical model of a speaker's recordings, by models that never heard her |
 | virtual speakers | held-out espeak voices, their formants bent and their sound roughened, each sentence another way |
 
+The factor of left-out voices comes from the shipped goodness model, which heard rms, kal16 and awb read right
+and wrong sentences, but never slt or the HMM voice.
+
 Chinese and Japanese have no second synthesiser here. Where English is measured on speakers who were left
 out, **these two stay with held-out espeak voices and virtual speakers made of them**, which says less. How
 scores of people relate to the judgement of teachers is not known from any of this; faults are made, too (the

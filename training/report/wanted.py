@@ -231,7 +231,7 @@ def aims_table(lines, language, aims, speakers, title_of):
         ]
         if any(cells):
             rows.append([aim.label, aim.wanted, *map(shown, cells)])
-    return table(["", "wanted", *map(title_of, speakers)], rows) if rows else []
+    return table(["figure", "wanted", *map(title_of, speakers)], rows) if rows else []
 
 
 def missed(lines, language, aims, speakers):
