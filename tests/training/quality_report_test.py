@@ -25,7 +25,8 @@ English, left-out flite rms | right phonemes | top-1 0.7600 | top-3 0.9100 | und
 English, left-out flite rms | learner's error | th said as f (T > f) | caught 0.290 | area under curve 0.811 | 147 samples
 English, left-out flite rms | learner's error | r said as l (r > l) | caught 0.813 | area under curve 0.990 | 150 samples
 English, left-out flite rms | learner's error | jh said as zh (J > Z) | caught 0.000 | area under curve 0.533 | 5 samples
-English, left-out flite rms | learner's error | final g said as k (g > k) | caught 0.000 | area under curve 0.000 | 0 samples
+English, left-out flite rms | learner's error | final g said as k (g > k) | caught 0.000 | 60 samples
+English, left-out flite rms | expected phoneme | N | another said: median 20, full marks 0.000, under 60 1.000, 90 samples | said: 0 samples
 English, left-out flite rms | expected phoneme | Z | another said: median 100, full marks 0.814, under 60 0.007, 140 samples | said: median 99, under 60 0.250, 12 samples
 English, left-out flite rms | expected phoneme | T | another said: median 50, full marks 0.036, under 60 0.643, 140 samples | said: median 98, under 60 0.010, 118 samples
 English, left-out flite rms | expected phoneme | s | another said: median 29, full marks 0.000, under 60 0.850, 140 samples | said: median 97, under 60 0.020, 513 samples
@@ -119,12 +120,12 @@ class Summary(unittest.TestCase):
         self.assertEqual(row(self.page, "right phonemes among the three highest")[3], "**0.910**")
         self.assertEqual(row(self.page, "right phonemes scored under 60")[2:], ["0.008", "**0.050**"])
         self.assertEqual(row(self.page, "learner's error that is caught least")[3],
-                         "**0.29 (th said as f)**")
+                         "**0.00 (final g said as k, 2 of 3 missed)**")
         # T reaches 50. Z has few samples of its own, but enough of others.
         self.assertEqual(
             row(self.page,
                 "expected phoneme that is fooled most: median score when another is said")[3],
-            "**100.00 (`Z`, 2 of 3 missed)**")
+            "**100.00 (`Z`, 2 of 4 missed)**")
         self.assertEqual(row(self.page, "lowest median factor under any condition but 5 dB")[3],
                          "**0.49 (reverb)**")
         self.assertEqual(row(self.page, "lowest median factor at 5 dB")[3], "**0.14 (babble 5 dB)**")
@@ -138,7 +139,13 @@ class Summary(unittest.TestCase):
     def test_errors_of_learners(self):
         self.assertEqual(row(self.page, "jh said as zh, `J` > `Z`")[1], "0.00*")
         self.assertEqual(row(self.page, "r said as l, `r` > `l`")[1], "0.81")
-        self.assertEqual(row(self.page, "final g said as k, `g` > `k`")[1], "–")
+        self.assertEqual(row(self.page, "final g said as k, `g` > `k`")[1], "0.00")
+
+    def test_an_error_that_one_group_has_no_recordings_of(self):
+        both = page(summary, ENGLISH + "English, HMM voice | learner's error | r said as l (r > l) | "
+                    "caught 0.500 | area under curve 0.500 | 60 samples\n")
+        self.assertEqual(row(both, "r said as l, `r` > `l`")[1:], ["0.50", "0.81"])
+        self.assertEqual(row(both, "th said as f, `T` > `f`")[1:], ["–", "0.29"])
 
     def test_conditions_and_shares(self):
         self.assertEqual(row(self.page, "reverb")[1], "0.49, 0.17, 0.177")
@@ -158,6 +165,7 @@ class Details(unittest.TestCase):
 
     def test_every_phoneme_has_its_row_and_few_samples_are_marked(self):
         self.assertEqual(row(self.page, "`Z`*")[1:], ["100", "0.814", "0.007", "140", "99", "0.250", "12"])
+        self.assertEqual(row(self.page, "`N`*")[1:], ["20", "0.000", "1.000", "90", "–", "–", "0"])
         self.assertEqual(row(self.page, "`s`")[1:], ["29", "0.000", "0.850", "140", "97", "0.020", "513"])
 
     def test_every_group_of_speakers_is_there(self):

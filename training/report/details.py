@@ -5,8 +5,8 @@ import re
 from collections import defaultdict
 
 from . import evaluation
-from .evaluation import FEW, find, samples
-from .markdown import code, table
+from .evaluation import FEW, samples
+from .markdown import NO_FIGURE, code, table
 
 INTRODUCTION = """# All figures of the models
 
@@ -78,9 +78,11 @@ def general(lines):
                               [[line.measure, ", ".join(line.fields)] for line in own])))
 
 
-def numbers(text):
-    """The numbers of a field."""
-    return re.findall(r"(?<= )\d+(?:\.\d+)?(?= samples|,|$)", re.sub("under 60", "under", text))
+def numbers(text, count):
+    """The numbers of a field, of which there should be `count`; only the last is there where nothing
+    was measured."""
+    found = re.findall(r"(?<= )\d+(?:\.\d+)?(?= samples|,|$)", re.sub("under 60", "under", text))
+    return [NO_FIGURE] * (count - len(found)) + found
 
 
 def expected(lines):
@@ -95,11 +97,16 @@ def expected(lines):
         for line in own:
             other, itself = line.fields[1], line.fields[2]
             few = min(samples(other), samples(itself)) < FEW
-            rows.append([code(line.fields[0]) + "*" * few, *numbers(other), *numbers(itself)])
+            rows.append([code(line.fields[0]) + "*" * few, *numbers(other, 4), *numbers(itself, 3)])
         print(f"{speakers[0].upper()}{speakers[1:]}:\n")
         print("\n".join(table(
             ["expected", "another said: median", "full marks", "under 60", "samples",
              "said itself: median", "under 60", "samples"], rows)))
+
+
+def area(line):
+    match = re.search(r"area under curve ([\d.]+)", line.figures)
+    return match[1] if match else NO_FIGURE
 
 
 def errors(lines):
@@ -109,8 +116,7 @@ def errors(lines):
     print(f"Caught means scored under 60. * has fewer than {FEW} samples.\n")
     for speakers, own in by_speakers(lines):
         rows = [[line.fields[0] + "*" * (samples(line.figures) < FEW),
-                 line.fields[1].split()[1], line.fields[2].split()[-1], samples(line.figures)]
-                for line in own if samples(line.figures)]
+                 line.fields[1].split()[1], area(line), samples(line.figures)] for line in own]
         print(f"{speakers[0].upper()}{speakers[1:]}:\n")
         print("\n".join(table(["error (expected > said)", "caught", "area under curve", "samples"], rows)))
 
@@ -181,10 +187,9 @@ def goodness(lines):
     print("by. Recordings that cannot be aligned at all get no score and are not counted.\n")
     rows = []
     for line in lines:
-        area = re.search(r"area under curve ([\d.]+)", line.figures)
         factor = re.search(r"median ([\d.]+), tenth percentile ([\d.]+)(?:, ninetieth ([\d.]+))?",
                            line.figures)
-        rows.append([line.speakers, line.measure.removeprefix("goodness, "), area[1] if area else "",
+        rows.append([line.speakers, line.measure.removeprefix("goodness, "), area(line),
                      *((value or "") for value in (factor.groups() if factor else ("", "", ""))),
                      line.fields[-1]])
     print("\n".join(table(["voices", "recording", "area under curve", "factor: median",

@@ -1,5 +1,7 @@
 """Markdown tables."""
 
+NO_FIGURE = "–"  # where nothing was measured
+
 
 def percent(share):
     """A share for reading: "2.7 %", "0.05 %"."""

@@ -4,8 +4,8 @@ import re
 
 from . import evaluation
 from .evaluation import find, is_foreign_technology, samples, speakers_of
-from .markdown import code, percent, table
-from .wanted import AIMS, HELD_OUT_AIMS, NO_FIGURE, aims_table, missed
+from .markdown import NO_FIGURE, code, percent, table
+from .wanted import AIMS, HELD_OUT_AIMS, aims_table, missed
 
 INTRODUCTION = """# How good the models are
 
@@ -177,9 +177,9 @@ def learners_errors(lines):
         cells = {}
         for name in groups:
             for line in find(own, name, "learner's error"):
-                count = samples(line.figures)
-                caught = f"{line.number(CAUGHT):.2f}" if count else NO_FIGURE
-                cells.setdefault(line.fields[0], {})[name] = caught + "*" * (0 < count < evaluation.FEW)
+                few = samples(line.figures) < evaluation.FEW
+                caught = f"{line.number(CAUGHT):.2f}" + "*" * few
+                cells.setdefault(line.fields[0], {})[name] = caught
         rows = [[code_pair(error), *(found.get(name, NO_FIGURE) for name in groups)]
                 for error, found in cells.items()]
         print("\n".join(table(["said instead", *map(title_of(language), groups)], rows)))

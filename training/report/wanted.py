@@ -4,9 +4,7 @@ import re
 from dataclasses import dataclass
 
 from . import evaluation
-from .markdown import code, table
-
-NO_FIGURE = "–"
+from .markdown import NO_FIGURE, code, table
 
 
 @dataclass
