@@ -20,7 +20,7 @@ VOICES = """## Whose voices
 | voices | what they are |
 |---|---|
 | held-out espeak | ten variants of espeak-ng that were never trained on, reading sentences that were not either. Most of the training speech comes from this synthesiser: its variants differ in pitch, formants and voice quality, not in how a phoneme is made. An upper bound |
-| left-out flite, festival | voices cut together from recordings of one speaker each, by models that never heard that speaker in any form. The nearest thing here to a new person |
+| flite, festival | voices cut together from recordings of one speaker each, by models that never heard that speaker in any form (left out). The nearest thing here to a new person |
 | HMM voice | another technology again, a statistical model of a speaker's recordings, by models that never heard her |
 | virtual speakers | held-out espeak voices, their formants bent and their sound roughened, each sentence another way |
 
@@ -59,6 +59,12 @@ def title_of(language):
         return speakers
 
     return title
+
+
+def column_of(language):
+    """The same, short enough to stand above a column."""
+    title = title_of(language)
+    return lambda speakers: title(speakers).removeprefix(evaluation.LEFT_OUT + " ")
 
 
 def under_60(lines, speakers):
@@ -145,14 +151,14 @@ def unheard(lines):
 
 def wanted(lines):
     print("## Wanted and reached\n")
-    print("Bold is missed. The first table of a language is of voices that the models never heard and of")
-    print("everything that may happen to a recording; the second is of held-out espeak voices alone.\n")
+    print("Bold is missed. The first table of a language is of all voices that the models never heard, the")
+    print("second of held-out espeak voices alone. Where a figure is the worst of many, the one is named.\n")
     for language in evaluation.languages(lines):
         own = evaluation.of_language(lines, language)
         names = speakers_of(own)
         print(f"### {language}\n")
         for aims, groups in ((AIMS, names), (HELD_OUT_AIMS, [evaluation.HELD_OUT])):
-            rows = aims_table(own, language, aims, groups, title_of(language))
+            rows = aims_table(own, language, aims, groups, column_of(language))
             if not rows:
                 continue
             print("\n".join(rows))
@@ -182,7 +188,7 @@ def learners_errors(lines):
                 cells.setdefault(line.fields[0], {})[name] = caught
         rows = [[code_pair(error), *(found.get(name, NO_FIGURE) for name in groups)]
                 for error, found in cells.items()]
-        print("\n".join(table(["said instead", *map(title_of(language), groups)], rows)))
+        print("\n".join(table(["said instead", *map(column_of(language), groups)], rows)))
 
 
 def code_pair(error):
@@ -205,7 +211,7 @@ def by_measure(lines, measure, heading, cell_of, name_of):
                 cells.setdefault(name_of(line), {})[name] = cell_of(line)
         rows = [[what, *(found.get(name, NO_FIGURE) for name in groups)]
                 for what, found in cells.items()]
-        print("\n".join(table([heading, *map(title_of(language), groups)], rows)))
+        print("\n".join(table([heading, *map(column_of(language), groups)], rows)))
 
 
 def factor(line):
@@ -218,10 +224,12 @@ def conditions(lines):
     if not any(line.measure.startswith("condition, ") for line in lines):
         return
     print("## By condition of the recording\n")
-    print(FACTOR_NOTE + " The third is the share of right phonemes under 60.\n")
-    by_measure(lines, r"condition, .*", "condition",
-               lambda line: f"{factor(line)}, {line.number(UNDER_60):.3f}",
-               lambda line: line.measure.removeprefix("condition, "))
+    for what, cell_of in ((FACTOR_NOTE, factor),
+                          ("The share of right phonemes that fall under 60.",
+                           lambda line: percent(line.number(UNDER_60)))):
+        print(what + "\n")
+        by_measure(lines, r"condition, .*", "condition", cell_of,
+                   lambda line: line.measure.removeprefix("condition, "))
 
 
 LENGTHS = r"goodness, .*, (1 word|\d+ to \d+ (words|phonemes))"
