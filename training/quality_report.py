@@ -16,13 +16,20 @@ from pathlib import Path
 from report import details, evaluation, summary
 
 
+ROOT = Path(__file__).resolve().parent.parent
+
+
 def git(*arguments):
-    return subprocess.run(["git", *arguments], capture_output=True, text=True, check=True).stdout.strip()
+    return subprocess.run(["git", "-C", ROOT, *arguments], capture_output=True, text=True,
+                          check=True).stdout.strip()
 
 
 def commit():
-    name = git("rev-parse", "--short", "HEAD")
-    changed = git("status", "--porcelain", "resources", "training")
+    try:
+        name = git("rev-parse", "--short", "HEAD")
+        changed = git("status", "--porcelain", "resources", "training")
+    except (OSError, subprocess.CalledProcessError):
+        return "(unknown)"  # sources without their history
     return name + (" with changes" if changed else "")
 
 
