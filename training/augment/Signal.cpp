@@ -32,15 +32,19 @@ void StretchLabels(std::vector<PhonemeLabel>& labels, double factor) {
   }
 }
 
-std::pair<std::size_t, std::size_t> SpeechEnds(const Utterance& utterance) {
+std::pair<std::size_t, std::size_t> SpeechEnds(std::span<const PhonemeLabel> labels,
+                                               std::size_t size) {
   const auto is_speech = [](const PhonemeLabel& label) { return label.symbol != '-'; };
-  const auto first = std::ranges::find_if(utterance.labels, is_speech);
-  const std::size_t size = utterance.samples.size();
-  if (first == utterance.labels.end()) return {0, size};
-  const PhonemeLabel& last = utterance.labels.back();
+  const auto first = std::ranges::find_if(labels, is_speech);
+  if (first == labels.end()) return {0, size};
+  const PhonemeLabel& last = labels.back();
   const std::size_t begin = std::min(static_cast<std::size_t>(first->start), size);
   const std::size_t end = last.symbol == '-' ? static_cast<std::size_t>(last.start) : size;
   return {begin, std::clamp(end, begin, size)};
+}
+
+std::pair<std::size_t, std::size_t> SpeechEnds(const Utterance& utterance) {
+  return SpeechEnds(utterance.labels, utterance.samples.size());
 }
 
 std::size_t SamplesOf(double seconds) {

@@ -21,8 +21,10 @@ Utterance WithSignal(const Utterance& utterance, std::span<const float> signal);
 // Moves all labels to `factor` times their place; the first one stays at 0.
 void StretchLabels(std::vector<PhonemeLabel>& labels, double factor);
 
-// The samples from the first phoneme to the end of the last; all of them where the labels have no
-// phoneme.
+// The samples from the first phoneme to the end of the last, of `size`; all of them where the
+// labels have no phoneme.
+std::pair<std::size_t, std::size_t> SpeechEnds(std::span<const PhonemeLabel> labels,
+                                               std::size_t size);
 std::pair<std::size_t, std::size_t> SpeechEnds(const Utterance& utterance);
 
 std::size_t SamplesOf(double seconds);  // rounded

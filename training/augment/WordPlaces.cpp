@@ -78,6 +78,27 @@ void AddPronunciation(const Row& start, std::string_view pronunciation, std::str
   }
 }
 
+// Whether a pause lies before each phoneme; before the first and behind the last one there is.
+std::vector<bool> PausesBefore(const Utterance& utterance, std::size_t phonemes) {
+  std::vector<bool> pause_before(phonemes + 1, false);
+  std::size_t passed = 0;
+  for (const PhonemeLabel& label : utterance.labels) {
+    if (label.symbol == '-') {
+      pause_before[passed] = true;
+    } else {
+      ++passed;
+    }
+  }
+  pause_before.front() = pause_before.back() = true;
+  return pause_before;
+}
+
+bool MayCut(const Utterance& utterance, std::size_t phoneme) {
+  return utterance.syllables.empty() ||
+         std::ranges::find(utterance.syllables, static_cast<std::int32_t>(phoneme)) !=
+             utterance.syllables.end();
+}
+
 // From each place on begins a word.
 Row Starts(const Row& before, const std::vector<bool>& pause_before) {
   Row row = before;
@@ -94,13 +115,7 @@ std::vector<WordPlace> WordPlacesOf(const Utterance& utterance, const VeralDicti
   const std::string phonemes = PhonemesOf(utterance);
   const std::vector<Token> tokens = TokensOf(utterance.text, dictionary);
   if (tokens.empty() || phonemes.empty()) return {};
-  std::vector<bool> pause_before(phonemes.size() + 1, false);
-  std::size_t passed = 0;
-  for (const PhonemeLabel& label : utterance.labels) {
-    if (label.symbol == '-') pause_before[passed] = true;
-    if (label.symbol != '-') ++passed;
-  }
-  pause_before.front() = true;
+  const std::vector<bool> pause_before = PausesBefore(utterance, phonemes.size());
 
   Row row = RowOf(phonemes.size() + 1);
   row.costs[0] = 0;
@@ -125,11 +140,21 @@ std::vector<WordPlace> WordPlacesOf(const Utterance& utterance, const VeralDicti
     if (first >= end) return {};
     places[i] = {tokens[i].text, first};
     end = first;
-    const bool on_syllable =
-        utterance.syllables.empty() ||
-        std::ranges::find(utterance.syllables, static_cast<std::int32_t>(first)) !=
-            utterance.syllables.end();
-    if (!on_syllable) return {};
+    if (!MayCut(utterance, first)) return {};
+  }
+  return places;
+}
+
+std::vector<WordPlace> WordlikePlaces(const Utterance& utterance, Random& random) {
+  const std::size_t count = PhonemesOf(utterance).size();
+  const std::vector<bool> pause_before = PausesBefore(utterance, count);
+  std::vector<WordPlace> places;
+  int left = 0;  // of the stretch
+  for (std::size_t phoneme = 0; phoneme < count; ++phoneme, --left) {
+    if (phoneme > 0 && !pause_before[phoneme] && left > 0) continue;
+    if (phoneme > 0 && !MayCut(utterance, phoneme)) continue;
+    places.push_back({"", phoneme});
+    left = random.Between(3, 7);
   }
   return places;
 }

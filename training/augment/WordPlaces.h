@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "recognition/VeralDictionary.h"
+#include "training/common/Random.h"
 #include "training/corpus/Utterance.h"
 
 namespace veral3::training {
@@ -24,5 +25,9 @@ struct WordPlace {
 // ten differ (the labels are of something else), where a word is left without a phoneme, or where
 // the cuts do not fall on the utterance's syllables. Messages of the dictionary go to its stream.
 std::vector<WordPlace> WordPlacesOf(const Utterance& utterance, const VeralDictionary& dictionary);
+
+// Where the words cannot be known, as of a foreign voice's: stretches of 3 to 7 phonemes, or up to
+// the next pause where it comes sooner, none of which divides a syllable. Their texts are empty.
+std::vector<WordPlace> WordlikePlaces(const Utterance& utterance, Random& random);
 
 }  // namespace veral3::training

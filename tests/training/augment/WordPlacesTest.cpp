@@ -82,5 +82,42 @@ TEST(WordPlaces, FallOnSyllablesWhereTheseAreKnown) {
   EXPECT_THAT(WordPlacesOf(utterance, Dictionary()), IsEmpty());
 }
 
+TEST(WordPlaces, WithoutWordsAreStretchesUpToPauses) {
+  const Utterance utterance = Said("wer weiss", "-abcdefghijklmnopq-rs-tuvwxyz");
+  std::vector<std::size_t> lengths(8, 0);
+  for (std::uint64_t seed = 0; seed < 50; ++seed) {
+    Random random(seed);
+    const auto places = WordlikePlaces(utterance, random);
+    EXPECT_EQ(places.front().first, 0u);
+    std::vector<std::size_t> firsts;
+    for (const Place& place : places) {
+      EXPECT_EQ(place.text, "");
+      firsts.push_back(place.first);
+    }
+    EXPECT_THAT(firsts, testing::IsSupersetOf({17u, 19u}));  // behind the pauses
+    for (std::size_t i = 1; i < firsts.size() && firsts[i] < 17; ++i) {
+      ASSERT_LE(firsts[i] - firsts[i - 1], 7u);
+      ++lengths[firsts[i] - firsts[i - 1]];
+    }
+  }
+  EXPECT_EQ(lengths[1] + lengths[2], 0u);
+  for (std::size_t length = 3; length <= 7; ++length) EXPECT_GT(lengths[length], 5u) << length;
+}
+
+TEST(WordPlaces, WithoutWordsDivideNoSyllable) {
+  Utterance utterance = Said("x", "abcdefghijklmnopqrstuvwxyz");
+  utterance.syllables = {0, 9, 11, 20};
+  utterance.tones = utterance.spoken_tones = "1111";
+  for (std::uint64_t seed = 0; seed < 20; ++seed) {
+    Random random(seed);
+    for (const Place& place : WordlikePlaces(utterance, random)) {
+      EXPECT_THAT(place.first, testing::AnyOf(0u, 9u, 11u, 20u));
+    }
+  }
+  Random random(1);
+  EXPECT_THAT(WordlikePlaces(Said("", "-"), random), IsEmpty());
+  EXPECT_THAT(WordlikePlaces(Said("", ""), random), IsEmpty());
+}
+
 }  // namespace
 }  // namespace veral3::training
