@@ -66,7 +66,7 @@ def of_language(lines, language):
 def is_reported(speakers):
     """Whether figures of these speakers count: settings were not chosen on them, and the models never
     heard them."""
-    return speakers != SHIPPED and not speakers.startswith(DEVELOPMENT)
+    return speakers not in ("", SHIPPED) and not speakers.startswith(DEVELOPMENT)
 
 
 def is_foreign_technology(speakers):

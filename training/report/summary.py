@@ -111,7 +111,7 @@ def right_phonemes(lines):
     rows = []
     for language in evaluation.languages(lines):
         own = evaluation.of_language(lines, language)
-        for speakers in speakers_of(own, lambda name: True):
+        for speakers in speakers_of(own, bool):
             if not find(own, speakers, "right phonemes"):
                 continue
 
@@ -165,8 +165,8 @@ def unheard(lines):
                           + [title_of(language)(groups[-1])])
         if weak:
             worst = sorted(weak.items(), key=lambda one: min(one[1]))
-            print(f"- **{language}** ({of}): caught less than three times in ten with some of these voices: "
-                  + "; ".join(f"{name} ({percent(min(caught))} at least)" for name, caught in worst)
+            print(f"- **{language}** ({of}): caught less than three times in ten with some of these voices, in the worst case: "
+                  + "; ".join(f"{name}, {percent(min(caught))}" for name, caught in worst)
                   + ".")
         else:
             print(f"- **{language}** ({of}): every error of learners that is listed below and has "

@@ -43,7 +43,7 @@ def figure(measure, pattern, good, digits=3):
     return of
 
 
-def worst(measure, pattern, good, choose, name, enough=0, digits=2):
+def worst(measure, pattern, good, choose, name, enough=0, digits=3):
     """The worst of many lines, and which one it is."""
 
     def of(lines, speakers):
