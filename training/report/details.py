@@ -15,7 +15,9 @@ Written by `training/evaluate --report docs` on {date} from commit {commit}; eve
 synthesised speech.
 
 - True phoneme times are the synthesiser's own. What it calls the start of a phoneme is a convention,
-  which the models have learnt with the rest.
+  which the models have learnt with the rest. Those of flite's, festival's and the HMM voice are what the
+  model of the first round finds, which heard espeak-ng alone: their frames and boundaries are compared
+  with that.
 - Augmented means: other vocal tracts, rooms, microphones, noises and levels were laid over the
   speech, as in training. Strongly augmented: worse than anything in training, all at once (vocal
   tracts beyond its range, a band of 4 kHz, reverb, noise at 10 dB).
