@@ -93,6 +93,7 @@ class PhonemeEvaluation {
         ErrorsIn(m_set, m_phonemes, m_word_ends, errors, m_options.most_errors, random);
     const auto scores = ScoresOf(exchanges, errors.size());
     for (std::size_t e = 0; e < errors.size(); ++e) {
+      if (scores[e].empty()) continue;
       std::vector<double> right;
       for (const RightPhoneme& p : m_right) {
         const bool there = errors[e].place != LearnerError::Place::kWordEnd || p.ends_word;
@@ -100,9 +101,10 @@ class PhonemeEvaluation {
           right.push_back(p.score);
         }
       }
-      std::printf("%s | learner's error | %s | caught %.3f | area under curve %.3f | %zu samples\n",
-                  m_options.name.c_str(), Written(errors[e]).c_str(), ShareBelow(scores[e], 60.0),
-                  AreaUnderCurve(right, scores[e]), scores[e].size());
+      std::printf("%s | learner's error | %s | caught %.3f | ", m_options.name.c_str(),
+                  Written(errors[e]).c_str(), ShareBelow(scores[e], 60.0));
+      if (!right.empty()) std::printf("area under curve %.3f | ", AreaUnderCurve(right, scores[e]));
+      std::printf("%zu samples\n", scores[e].size());
     }
     std::fflush(stdout);
   }
@@ -118,12 +120,17 @@ class PhonemeEvaluation {
       for (const RightPhoneme& p : m_right) {
         if (p.symbol == symbols[s]) right.push_back(p.score);
       }
-      std::printf(
-          "%s | expected phoneme | %c | another said: median %.0f, full marks %.3f, under 60 %.3f, "
-          "%zu samples | said: median %.0f, under 60 %.3f, %zu samples\n",
-          m_options.name.c_str(), symbols[s], Median(scores[s]), ShareFrom(scores[s], 100.0),
-          ShareBelow(scores[s], 60.0), scores[s].size(), Median(right), ShareBelow(right, 60.0),
-          right.size());
+      std::printf("%s | expected phoneme | %c | another said: ", m_options.name.c_str(),
+                  symbols[s]);
+      if (!scores[s].empty()) {
+        std::printf("median %.0f, full marks %.3f, under 60 %.3f, ", Median(scores[s]),
+                    ShareFrom(scores[s], 100.0), ShareBelow(scores[s], 60.0));
+      }
+      std::printf("%zu samples | said: ", scores[s].size());
+      if (!right.empty()) {
+        std::printf("median %.0f, under 60 %.3f, ", Median(right), ShareBelow(right, 60.0));
+      }
+      std::printf("%zu samples\n", right.size());
     }
     std::fflush(stdout);
   }
