@@ -34,8 +34,13 @@ class HalfTruths final : public ExampleSource {
 };
 
 TrainOptions Options() {
-  return {.hidden = {8}, .batch = 16, .epochs = 200, .rate = 1e-2, .dropout = 0.0,
-          .smoothing = 0.0, .threads = 1};
+  return {.hidden = {8},
+          .batch = 16,
+          .epochs = 200,
+          .rate = 1e-2,
+          .dropout = 0.0,
+          .smoothing = 0.0,
+          .threads = 1};
 }
 
 TEST(Train, LearnsTheWeightsOfClasses) {
