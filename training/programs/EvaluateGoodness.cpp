@@ -187,8 +187,8 @@ class Evaluation {
   explicit Evaluation(const Options& options)
       : m_options(options),
         m_language(static_cast<LanguageType>(options.language)),
-        m_recordings(
-            PassagesOf(m_language, ReadCorpora(options.corpora, options.most), options.threads)),
+        m_utterances(ReadCorpora(options.corpora, options.most)),
+        m_recordings(PassagesOf(m_language, m_utterances, options.threads)),
         m_foreign(ReadCorpora(options.foreign, 400)),
         m_drawer(m_recordings),
         m_maker(*PhonemeSetOf(m_language), m_drawer, m_foreign) {}
