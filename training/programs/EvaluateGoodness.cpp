@@ -37,6 +37,7 @@ struct Options {
   EngineFiles engine;
   std::string name = "test";
   std::string vectors;
+  std::vector<std::string> only;
   int language = kLanguageEnglish;
   int threads = 1;
   int count = 100;
@@ -58,6 +59,7 @@ struct Measure {
   int most = 0;
   Recorded recorded = Recorded::kPlain;
   std::optional<Condition> condition = {};  // in place of that
+  std::uint64_t seed = 0;
   bool curve = false;  // area under the curve against the right readings of the first measure
 };
 
@@ -199,12 +201,21 @@ class Evaluation {
     add(Shares());
     add(Lengths(m_drawer));
     add(Conditions());
+    for (std::size_t i = 0; i < measures.size(); ++i) measures[i].seed = m_options.seed + i;
+    if (!m_options.only.empty()) {
+      std::erase_if(measures, [&](const Measure& measure) {
+        return std::ranges::none_of(m_options.only, [&](const std::string& part) {
+          return measure.name.find(part) != std::string::npos;
+        });
+      });
+      for (Measure& measure : measures) measure.curve = false;
+    }
     std::optional<VectorWriter> writer;
     if (!m_options.vectors.empty()) {
       writer.emplace(m_options.vectors, kGoodnessFeatureCount, static_cast<int>(measures.size()));
     }
     for (std::size_t i = 0; i < measures.size(); ++i) {
-      const auto judgements = JudgementsOf(measures[i], i);
+      const auto judgements = JudgementsOf(measures[i]);
       Print(measures[i], judgements);
       if (!writer) continue;
       for (const auto& judgement : judgements) {
@@ -217,12 +228,12 @@ class Evaluation {
   }
 
  private:
-  std::vector<std::optional<Judgement>> JudgementsOf(const Measure& measure, std::size_t number) {
+  std::vector<std::optional<Judgement>> JudgementsOf(const Measure& measure) {
     const std::size_t count = measure.fewest == 0 ? std::min<std::size_t>(m_recordings.size(), 250)
                                                   : static_cast<std::size_t>(m_options.count);
     std::vector<std::optional<Judgement>> judgements(count);
     ParallelFor(count, m_options.threads, [&](std::size_t i) {
-      Random random(MixSeed(m_options.seed + number, i));
+      Random random(MixSeed(measure.seed, i));
       const Passage passage =
           measure.fewest == 0 ? m_recordings[i]
                               : m_drawer.Draw(random.Between(measure.fewest, measure.most), random);
@@ -284,6 +295,8 @@ int main(int argc, char** argv) {
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");
   app.add_option("--count", options.count, "readings a measure");
+  app.add_option("--only", options.only,
+                 "measures whose names have one of these; without areas under curves");
   app.add_option("--vectors", options.vectors,
                  "keep the features here, the number of the line as class");
   CLI11_PARSE(app, argc, argv);
