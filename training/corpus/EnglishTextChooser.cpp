@@ -26,10 +26,12 @@ EnglishTextChooser::EnglishTextChooser(const SpeakerOptions& options)
     : m_texts(options.words.empty() ? std::vector<std::string>{}
                                     : ReadDictionaryWords(options.words)),
       m_balance(PhonemeFrequencies(kLanguageEnglish)),
-      m_held_out(options.held_out) {}
+      m_held_out(options.held_out),
+      m_rare(options.rare) {}
 
 std::string EnglishTextChooser::Choose(EspeakSpeech& espeak, const EventTable& table,
                                        Random& random) {
+  if (m_rare) return EnglishTexts::DrawRare(random);
   if (m_held_out) return m_texts.DrawHeldOut(random);
   constexpr std::size_t kCandidates = 5;
   std::array<std::string, kCandidates> candidates;

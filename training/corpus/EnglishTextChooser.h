@@ -24,6 +24,7 @@ class EnglishTextChooser {
   EnglishTexts m_texts;
   PhonemeBalance m_balance;
   bool m_held_out;
+  bool m_rare;
 };
 
 }  // namespace veral3::training

@@ -147,6 +147,7 @@ class JapaneseSpeaker final : public SentenceSpeaker {
 }  // namespace
 
 std::unique_ptr<SentenceSpeaker> MakeJapaneseSpeaker(const SpeakerOptions& options) {
+  if (options.rare) throw std::runtime_error("rare sentences are English");
   return std::make_unique<JapaneseSpeaker>(options);
 }
 

@@ -28,6 +28,7 @@ class SentenceSpeaker {
 struct SpeakerOptions {
   std::string words;      // dictionary file whose words fill sentences
   bool held_out = false;  // voices and sentences that training never has
+  bool rare = false;      // held-out English sentences of words with rare sounds
 };
 
 std::unique_ptr<SentenceSpeaker> MakeEnglishSpeaker(const SpeakerOptions& options);

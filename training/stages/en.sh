@@ -4,6 +4,7 @@
 # the first model aligns.
 
 dictionary=resources/KEN-UTF8Order.txt
+source training/stages/frame.sh
 source training/stages/phoneme.sh
 
 espeak_corpora() {
@@ -71,22 +72,31 @@ align_others() {
   done
 }
 
-all_features() {
+# What the networks learn from besides the first round, a word each.
+frame_features() {
   echo "$work"/{a,b,flite-awb,flite-kal16,flite-rms,flite-slt,festival-ked}.features
 }
-
-# All voices, boundaries where they are.
-frame_second() {
-  $bin/train-network --kind frame --start "$work/frame-first.net" --threads $threads \
-    --features $(all_features) --test "$work/held.features" --epochs 7 --batch 512 --rate 1.5e-3 \
-    --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 --out "$work/frame.net" \
-    --model resources/EnglishFrame.model --version 1
+phoneme_features() {
+  echo "$(frame_features) $work/c.features"
 }
 
-# A frame has thousands of neighbours like it, a phoneme is one example: this network needs more
-# sentences than the other.
+# english_frame FOLDER MODEL FEATURES...: all voices, boundaries where they are.
+english_frame() {
+  frame_rounds 1 7 "$work/frame-first.net" "$@"
+}
+
+# english_phoneme FOLDER MODEL FEATURES...: a frame has thousands of neighbours like it, a phoneme is
+# one example, so this network needs more sentences than the other.
+english_phoneme() {
+  phoneme_rounds 1 "$@"
+}
+
+frame_second() {
+  english_frame "$work" resources/EnglishFrame.model $(frame_features)
+}
+
 phoneme() {
-  phoneme_rounds 1 English $(all_features) "$work/c.features"
+  english_phoneme "$work" resources/EnglishPhon.model $(phoneme_features)
 }
 
 models="EnglishFrame EnglishPhon"

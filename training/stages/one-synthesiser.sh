@@ -2,6 +2,7 @@
 # starts from the hidden layers of the English one, which heard other synthesisers too, with an output
 # layer of its own. Sourced by training/stages/zh.sh and ja.sh.
 
+source training/stages/frame.sh
 source training/stages/phoneme.sh
 
 # one_corpora LANGUAGE SEED HELD_OUT_COUNT HELD_OUT_SEED
@@ -26,13 +27,11 @@ one_features() {
 
 # one_frame NUMBER NAME
 one_frame() {
-  $bin/train-network --kind frame --language "$1" --start resources/EnglishFrame.model \
-    --features "$work/b.features" --test "$work/held.features" --threads $threads --epochs 6 \
-    --batch 512 --rate 1.5e-3 --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 \
-    --out "$work/frame.net" --model "resources/$2Frame.model" --version 1
+  frame_rounds "$1" 6 resources/EnglishFrame.model "$work" "resources/$2Frame.model" \
+    "$work/b.features"
 }
 
 # one_phoneme NUMBER NAME
 one_phoneme() {
-  phoneme_rounds "$1" "$2" "$work/b.features"
+  phoneme_rounds "$1" "$work" "resources/$2Phon.model" "$work/b.features"
 }
