@@ -234,7 +234,7 @@ Utterance RecordingOf(const Reading& reading, ReadingKind kind, const std::strin
   return recording;
 }
 
-double WantedProbability(double wrong) { return std::exp(-std::pow(wrong / 0.3, 1.6)); }
+double WantedProbability(double wrong) { return std::exp(-std::pow(wrong / 0.27, 1.5)); }
 
 ReadingMaker::ReadingMaker(const CPhonemeSet& set, const PassageDrawer& drawer,
                            std::span<const Utterance> foreign)

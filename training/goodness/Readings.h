@@ -73,8 +73,8 @@ struct Reading {
 Utterance RecordingOf(const Reading& reading, ReadingKind kind, const std::string& voice);
 
 // The probability that the model should give a reading of which the share `wrong` is wrong. The
-// factor 1 / (1 - ln p) that it leaves of the scores is 1 / (1 + (wrong / 0.3)^1.6): .85 for a
-// tenth, .66 for a fifth, .31 for a half, .13 for all. That is harsher than the scores should be:
+// factor 1 / (1 - ln p) that it leaves of the scores is 1 / (1 + (wrong / 0.27)^1.5): .82 for a
+// tenth, .61 for a fifth, .28 for a half, .12 for all. That is harsher than the scores should be:
 // where the features leave doubt the model answers between this and a right reading's.
 double WantedProbability(double wrong);
 

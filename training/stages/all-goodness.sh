@@ -42,7 +42,7 @@ goodness_corpora() {
   both "${jobs[@]}"
 }
 
-# The 16 features of 7,000 recordings in a language.
+# The 16 features of 8,000 recordings in a language.
 goodness_features() {
   local language=$1 other number name dictionary corpora foreign=()
   read -r number name dictionary <<< "$(goodness_language "$language")"
@@ -52,7 +52,7 @@ goodness_features() {
     if [ $other != "$language" ]; then foreign+=("$(goodness_work $other)/goodness1.corpus"); fi
   done
   "$bin/make-goodness-features" --language "$number" --corpus "${corpora[@]}" \
-    --foreign "${foreign[@]}" --count 7000 --seed 31 --threads 2 \
+    --foreign "${foreign[@]}" --count 8000 --seed 31 --threads 2 \
     --out "$(goodness_work "$language")/goodness.vectors"
 }
 
