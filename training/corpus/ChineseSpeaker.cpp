@@ -17,7 +17,7 @@ class ChineseSpeaker final : public SentenceSpeaker {
  public:
   explicit ChineseSpeaker(const SpeakerOptions& options)
       : m_texts(options.words),
-        m_balance(PhonemeFrequencies(kLanguageChinese)),
+        m_balance(PhonemeFrequencies(kLanguageChinese, options.evenness)),
         m_held_out(options.held_out) {}
 
   Utterance Speak(Random& random) override {

@@ -95,7 +95,7 @@ class JapaneseSpeaker final : public SentenceSpeaker {
  public:
   explicit JapaneseSpeaker(const SpeakerOptions& options)
       : m_texts(options.words),
-        m_balance(PhonemeFrequencies(kLanguageJapanese)),
+        m_balance(PhonemeFrequencies(kLanguageJapanese, options.evenness)),
         m_held_out(options.held_out) {}
 
   Utterance Speak(Random& random) override {

@@ -161,6 +161,9 @@ int main(int argc, char** argv) {
   app.add_option("--festival", options.festival, "speak with this festival voice");
   app.add_flag("--held-out", options.speaker.held_out,
                "voices and sentences that training never has");
+  app.add_option("--evenness", options.speaker.evenness,
+                 "0: phonemes as often as scores expect them, 1: all alike")
+      ->check(CLI::Range(0.0, 1.0));
   app.add_flag("--rare", options.speaker.rare,
                "held-out English sentences of words with rare sounds")
       ->needs("--held-out");

@@ -26,6 +26,7 @@
 #include "training/train/FrameSource.h"
 #include "training/train/PhonemeSource.h"
 #include "training/train/PooledSource.h"
+#include "training/train/Priors.h"
 #include "training/train/Scaling.h"
 #include "training/train/Trainer.h"
 #include "training/train/VectorSource.h"
@@ -45,6 +46,7 @@ struct Options {
   int jitter = 2;
   double at_least = 0.0;     // accuracy below which the program fails
   double temperature = 1.0;  // of the model file
+  bool as_scored = false;    // the model file, of phonemes
   std::vector<std::string> teachers;
   TrainOptions train;
 };
@@ -154,7 +156,19 @@ Network StartFrom(const std::string& path, ExampleSource& source, std::uint64_t 
   return Unfold(folded, MeasureScaling(source, random));
 }
 
+// The network as its model file has it: with --as-scored for phonemes as frequent as scores take
+// them to be.
+Network Exported(const Options& options, const Network& network, Examples& examples) {
+  if (!options.as_scored) return network;
+  const std::vector<double> learnt = ClassShares(examples.Source(), examples.Groups());
+  return WithPriors(network, learnt,
+                    ScoredShares(static_cast<LanguageType>(options.language), learnt));
+}
+
 void Run(const Options& options) {
+  if (options.as_scored && options.kind != "phoneme") {
+    throw std::runtime_error("only phonemes are scored");
+  }
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
   if (set == nullptr) throw std::runtime_error("no such language");
   Examples examples(options.kind, *set, options.features, options.jitter);
@@ -169,7 +183,8 @@ void Run(const Options& options) {
   const Network network = Train(train, examples.Source(), start);
   SaveCheckpoint(network, options.out);
   if (!options.model.empty()) {
-    ExportModel(WithTemperature(network, options.temperature), options.version, options.model);
+    ExportModel(WithTemperature(Exported(options, network, examples), options.temperature),
+                options.version, options.model);
   }
   if (options.test_features.empty()) return;
   Examples test(options.kind, *set, options.test_features, 0);
@@ -203,6 +218,8 @@ int main(int argc, char** argv) {
   app.add_option("--version", options.version, "the model file's version");
   app.add_option("--temperature", options.temperature,
                  "what the model file's softmax is given is divided by this");
+  app.add_flag("--as-scored", options.as_scored,
+               "the model file takes phonemes to be as frequent as their scores do");
   app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
   app.add_option("--jitter", options.jitter, "frames by which boundaries are moved at random");
   veral3::training::AddTrainingOptions(app, options.train);

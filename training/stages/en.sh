@@ -14,7 +14,8 @@ espeak_corpora() {
     jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 10$i --out $work/a$i.corpus")
   done
   for i in 1 2 3 4 5 6 7 8; do
-    jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 20$i --out $work/b$i.corpus")
+    jobs+=("$bin/make-corpus --words $dictionary --evenness 0.5 --count 1000 --seed 20$i \
+      --out $work/b$i.corpus")
   done
   jobs+=("$bin/make-corpus --held-out --count 400 --seed 901 --out $work/held.corpus")
   both "${jobs[@]}"
@@ -28,8 +29,8 @@ other_corpora() {
     seed=$((seed + 1))
     speaker="--${voice%-*} ${voice#*-}"
     if [[ $voice == festival-* ]]; then speaker+=_diphone; fi
-    jobs+=("$bin/make-corpus --words $dictionary $speaker --count 1200 --seed $seed \
-      --out $work/$voice.raw")
+    jobs+=("$bin/make-corpus --words $dictionary $speaker --evenness 0.5 --count 1200 \
+      --seed $seed --out $work/$voice.raw")
   done
   for voice in kal16 awb rms slt; do
     seed=$((seed + 1))
