@@ -71,6 +71,15 @@ TEST(Resample, ChangesLengthAndPitchTogether) {
   EXPECT_NEAR(crossings, 441, 2);
 }
 
+TEST(Resample, LeavesNothingOfNothing) {
+  EXPECT_TRUE(Resample({}, 1.1).empty());
+  EXPECT_TRUE(Resample(std::vector<float>(1, 5.0F), 0.3).empty());
+  Random random(1);
+  const Utterance result = Augment({}, {.warp_chance = 1.0}, random);
+  EXPECT_GT(result.samples.size(), 2204u);  // padding alone
+  EXPECT_TRUE(result.labels.empty());
+}
+
 TEST(Equalise, KeepsALevelSpectrumAndCutsAboveTheCorner) {
   std::vector<double> level(9, 6.0206);  // a factor of 2
   for (const auto& [hz, wanted] : {std::pair{1000.0, 2.0}, std::pair{9000.0, 0.0}}) {

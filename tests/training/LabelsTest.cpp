@@ -29,6 +29,14 @@ TEST(Segments, RefuseASymbolOfAnotherLanguage) {
   EXPECT_THROW(SegmentsOf(labels, 20, English()), std::runtime_error);
 }
 
+TEST(Segments, AnUnusedStretchHasNoPhoneme) {
+  const std::vector<PhonemeLabel> labels = {{'-', 0}, {'?', 1000}, {'t', 2000}};
+  const auto segments = SegmentsOf(labels, 20, English());
+  ASSERT_EQ(segments.size(), 3u);
+  EXPECT_EQ(segments[1].phoneme, -1);
+  EXPECT_EQ(segments[1].first_frame, 5);
+}
+
 TEST(States, ArePhonemesInThirdsTheEarlierOnesLonger) {
   const auto states = [](int length, bool pause) {
     std::string text;
@@ -41,6 +49,20 @@ TEST(States, ArePhonemesInThirdsTheEarlierOnesLonger) {
   EXPECT_EQ(states(6, false), "001122");
   EXPECT_EQ(states(12, true), "000111111222");
   EXPECT_EQ(states(6, true), "001122");
+}
+
+TEST(StateLabels, FramesOfAnUnusedSegmentHaveNoStateAndItsBoundariesStay) {
+  const std::vector<FrameSegment> segments = {{36, 0}, {0, 6}, {-1, 9}, {1, 12}, {36, 18}};
+  std::vector<std::uint8_t> labels(24);
+  for (const int shift : {-2, 0, 2}) {
+    StateLabels(segments, 24, 36, std::vector<int>(5, shift), labels);
+    EXPECT_EQ(labels[8] / 3, 0) << shift;
+    for (std::size_t t = 9; t < 12; ++t) EXPECT_EQ(labels[t], 255) << shift;
+    EXPECT_EQ(labels[12], 3) << shift;
+    EXPECT_EQ(std::ranges::count(labels, 255), 3) << shift;
+    EXPECT_EQ(labels[static_cast<std::size_t>(17 + shift)] / 3, 1) << shift;
+    EXPECT_EQ(labels[static_cast<std::size_t>(18 + shift)] / 3, 36) << shift;
+  }
 }
 
 TEST(StateLabels, MovedBoundariesLeaveEveryPhonemeAFrame) {

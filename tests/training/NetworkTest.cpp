@@ -146,5 +146,24 @@ TEST(Unfold, IsTheSameFunctionWithAnotherScaling) {
   }
 }
 
+// One input, two columns: at input 2 the softmax is given 4 and 1, which a temperature of 2 makes 2
+// and 0.5.
+TEST(Network, ATemperatureDividesWhatTheSoftmaxIsGiven) {
+  const Network network{{0.0f}, {1.0f}, {{1, 2, {1.5f, 1.0f}, {1.0f, -1.0f}}}};
+  const DenseLayer softer = WithTemperature(network, 2.0).layers.back();
+  EXPECT_FLOAT_EQ(softer.weights[0] * 2.0f + softer.bias[0], 2.0f);
+  EXPECT_FLOAT_EQ(softer.weights[1] * 2.0f + softer.bias[1], 0.5f);
+  EXPECT_THROW(WithTemperature(network, 0.0), std::runtime_error);
+  EXPECT_THROW(WithTemperature(network, -1.0), std::runtime_error);
+}
+
+TEST(Network, ATemperatureLeavesTheLayersBeforeAlone) {
+  Random random(1);
+  const Network network{{0.0f}, {1.0f}, {RandomLayer(1, 3, random), RandomLayer(3, 2, random)}};
+  const Network softer = WithTemperature(network, 1.7);
+  EXPECT_EQ(softer.layers[0].weights, network.layers[0].weights);
+  EXPECT_NE(softer.layers[1].weights, network.layers[1].weights);
+}
+
 }  // namespace
 }  // namespace veral3::training

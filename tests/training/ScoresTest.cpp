@@ -40,6 +40,14 @@ TEST(AreaUnderCurve, CountsPairs) {
   EXPECT_DOUBLE_EQ(AreaUnderCurve({}, std::vector{1.0}), 0.0);
 }
 
+TEST(ShareBelow, DoesNotCountTheBound) {
+  const std::vector<double> scores = {0.0, 59.0, 60.0, 61.0, 100.0};
+  EXPECT_DOUBLE_EQ(ShareBelow(scores, 60.0), 0.4);
+  EXPECT_DOUBLE_EQ(ShareFrom(scores, 100.0), 0.2);
+  EXPECT_DOUBLE_EQ(ShareBelow({}, 60.0), 0.0);
+  EXPECT_DOUBLE_EQ(ShareFrom({}, 60.0), 0.0);
+}
+
 TEST(MedianOf, OddCounts) {
   EXPECT_EQ(Median({5.0, 1.0, 3.0}), 3.0);
   EXPECT_EQ(Median({}), 0.0);

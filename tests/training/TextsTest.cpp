@@ -46,6 +46,29 @@ TEST(EnglishTexts, HeldOutSentencesShareNoContentWordWithTraining) {
   }
 }
 
+TEST(EnglishTexts, RareSentencesShareNoContentWordWithTraining) {
+  const EnglishTexts texts({});
+  Random random(4);
+  std::set<std::string> training;
+  for (int i = 0; i < 20000; ++i) {
+    for (const std::string& word : Words(texts.Draw(random))) training.insert(word);
+  }
+  std::set<std::string> rare;
+  for (int i = 0; i < 2000; ++i) {
+    for (const std::string& word : Words(EnglishTexts::DrawRare(random))) rare.insert(word);
+  }
+  for (const std::string& word : rare) {
+    if (training.contains(word)) {
+      EXPECT_TRUE(word == "one" || word == "this" || word == "every" || word == "a" ||
+                  word == "nor" || word == "some")
+          << word;
+    }
+  }
+  EXPECT_GE(rare.size(), 100u);
+  EXPECT_TRUE(rare.contains("seizure"));
+  EXPECT_FALSE(rare.contains("R"));
+}
+
 TEST(EnglishTexts, ExactlyOneWordIsChanged) {
   const EnglishTexts texts({});
   Random random(2);

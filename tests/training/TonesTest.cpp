@@ -74,6 +74,35 @@ TEST(ToneTrack, HasThePitchOfTheVoice) {
   }
 }
 
+TEST(ToneTrack, LosesAVoiceBelowTheTrackerThatTheDeepOneFollows) {
+  const Utterance low = TwoSyllables(60.0);
+  const ToneTrack deep = DeepTrackOf(low);
+  for (const FrameSpan span : deep.syllables) {
+    for (int f = span.begin + 4; f < span.end - 4; ++f) {
+      EXPECT_NEAR(deep.pitch[static_cast<std::size_t>(f)], 60, 1) << f;
+      EXPECT_NE(ToneTrackOf(low).pitch[static_cast<std::size_t>(f)], 60) << f;
+    }
+  }
+  EXPECT_NEAR(MeanPitch(deep), 60.0, 1.5);
+  EXPECT_THAT(FallBelowTracker(deep), ElementsAre(true, true));
+  const ToneTrack high = DeepTrackOf(TwoSyllables(200.0));
+  EXPECT_NEAR(MeanPitch(high), 200.0, 2.0);
+  EXPECT_THAT(FallBelowTracker(high), ElementsAre(false, false));
+}
+
+TEST(ToneTrack, ASyllableFallsBelowTheTrackerWhenAFifthOfItDoes) {
+  ToneTrack track;
+  track.pitch = {0, 90, 90, 90, 90, 74, 90, 90, 90, 74, 0, 0, 0};
+  track.syllables = {{0, 6}, {5, 9}, {1, 5}, {10, 13}, {1, 10}};
+  // 1 of 5, 1 of 4, none, nothing, 2 of 9.
+  EXPECT_THAT(FallBelowTracker(track), ElementsAre(true, true, false, false, true));
+  track.syllables = {{0, 9}};  // 1 of 8
+  EXPECT_THAT(FallBelowTracker(track), ElementsAre(false));
+  EXPECT_NEAR(MeanPitch(track), (7 * 90 + 74) / 8.0, 1e-9);
+  track.syllables = {{10, 13}};
+  EXPECT_EQ(MeanPitch(track), 0.0);
+}
+
 TEST(ToneTrack, IsEmptyForARecordingBelowOneFrame) {
   Utterance utterance;
   utterance.samples.resize(kFrameLength - 1);
@@ -132,6 +161,41 @@ TEST(WarpTrack, KeepsSyllablesAndTheTrackersRange) {
   EXPECT_TRUE(longer);
 }
 
+TEST(ToneExamples, LeaveOutLostSyllables) {
+  ToneTrack track = RisingTrack();
+  track.lost = {true, false, false, true, false};
+  const auto examples = ToneExamplesOf(track, "12345");
+  ASSERT_EQ(examples.size(), 3u);
+  EXPECT_EQ(examples[0].syllable, 1);
+  EXPECT_EQ(examples[1].tone_class, 3);
+  EXPECT_EQ(examples[2].syllable, 4);
+}
+
+TEST(WarpTrack, TellsWhichSyllablesALowVoiceLoses) {
+  ToneTrack track = RisingTrack();
+  for (std::int32_t& hz : track.pitch) hz = hz / 2 + 10;  // 85 to 104 Hz
+  track.lost = {false, false, false, false, true};
+  int lost = 0;
+  for (std::uint64_t seed = 0; seed < 100; ++seed) {
+    Random random(seed);
+    const ToneTrack warped = WarpTrack(track, random);
+    ASSERT_EQ(warped.lost.size(), 5u);
+    EXPECT_TRUE(warped.lost[4]);
+    const auto voiced = [](std::int32_t hz) { return hz > 0; };
+    for (std::size_t i = 0; i < 4; ++i) {
+      const FrameSpan span = warped.syllables[i];
+      const auto begin = warped.pitch.begin();
+      const auto left = std::count_if(begin + span.begin, begin + span.end, voiced);
+      if (left == 0) {
+        EXPECT_TRUE(warped.lost[i]) << seed;
+      }
+      lost += warped.lost[i];
+    }
+  }
+  EXPECT_GT(lost, 40);
+  EXPECT_LT(lost, 360);
+}
+
 TEST(WarpTrack, TakesTracksWithoutVoiceOrFrames) {
   Random random(1);
   ToneTrack silent;
@@ -142,18 +206,23 @@ TEST(WarpTrack, TakesTracksWithoutVoiceOrFrames) {
   EXPECT_TRUE(WarpTrack({}, random).syllables.empty());
 }
 
-TEST(ToneVoices, AreRaisedAndHaveMelody) {
+TEST(ToneVoices, AreLowAndHighAndHaveMelody) {
   for (const bool held_out : {false, true}) {
     Random random(1);
+    int lowest = 99;
+    int highest = 0;
     for (int i = 0; i < 500; ++i) {
       const EspeakVoice voice = DrawToneVoice(random, held_out);
       const std::string variant = voice.name.substr(voice.name.rfind('+') + 1);
       EXPECT_EQ(std::ranges::count(kHeldOutVariants, variant), held_out ? 1 : 0) << variant;
       EXPECT_NE(variant, "aunty");
       EXPECT_NE(variant, "Alex");
-      EXPECT_GE(voice.pitch, 65);
       EXPECT_GE(voice.range, 85);
+      lowest = std::min(lowest, voice.pitch);
+      highest = std::max(highest, voice.pitch);
     }
+    EXPECT_LT(lowest, 25);
+    EXPECT_GT(highest, 90);
   }
 }
 

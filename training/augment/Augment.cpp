@@ -9,20 +9,98 @@
 #include <stdexcept>
 
 #include "signal/CWaveFrameDef.h"
+#include "training/augment/Babble.h"
+#include "training/augment/BandPass.h"
+#include "training/augment/Clipping.h"
+#include "training/augment/Codec.h"
+#include "training/augment/Hum.h"
+#include "training/augment/RoomResponse.h"
+#include "training/augment/Signal.h"
+#include "training/augment/SpeechLevel.h"
+#include "training/augment/TimeStretch.h"
 
 namespace veral3::training {
 namespace {
 
-double RootMeanSquare(std::span<const float> signal) {
-  double sum = 0.0;
-  for (const float x : signal) sum += double{x} * double{x};
-  return signal.empty() ? 0.0 : std::sqrt(sum / static_cast<double>(signal.size()));
-}
-
 double Mel(double hz) { return 1127.0 * std::log1p(hz / 700.0); }
 
-std::size_t SamplesOf(double seconds) {
-  return static_cast<std::size_t>(std::lround(seconds * kSampleRate));
+bool Asked(double chance, Random& random) { return chance > 0.0 && random.Chance(chance); }
+
+// Another vocal tract, a child, another pace. Returns by what labels are stretched.
+double ChangeSpeaker(std::vector<float>& speech, const AugmentOptions& options, Random& random) {
+  double factor = 1.0;
+  const bool child = Asked(options.child_chance, random);
+  const double pitch = child ? random.Uniform(1.1, 1.35) : 1.0;
+  double tempo = 1.0;
+  if (Asked(options.tempo_chance, random)) {
+    tempo = random.Uniform(options.tempo_low, options.tempo_high);
+  }
+  if (child || tempo != 1.0) {
+    speech = TimeStretch(speech, tempo, pitch);
+    factor /= tempo;
+  }
+  if (!child && random.Chance(options.warp_chance)) {
+    const double warp = random.Uniform(options.warp_low, options.warp_high);
+    speech = Resample(speech, warp);
+    factor *= warp;
+  }
+  return factor;
+}
+
+// 10 ms to 3 s, short ones as often as long ones.
+std::size_t DrawEdge(Random& random) { return SamplesOf(0.01 * std::pow(300.0, random.Uniform())); }
+
+// The speech between pauses, its labels moved along.
+std::vector<float> WithPadding(std::span<const float> speech, std::vector<PhonemeLabel>& labels,
+                               const AugmentOptions& options, Random& random) {
+  std::size_t before = 0;
+  std::size_t after = 0;
+  std::size_t cut_before = 0;  // of the pauses that the recording has
+  std::size_t cut_after = 0;
+  if (Asked(options.edges_chance, random)) {
+    const auto [begin, end] = SpeechEnds(labels, speech.size());
+    const std::size_t want_before = DrawEdge(random);
+    const std::size_t want_after = DrawEdge(random);
+    cut_before = begin - std::min(begin, want_before);
+    cut_after = speech.size() - end - std::min(speech.size() - end, want_after);
+    before = want_before - (begin - cut_before);
+    after = want_after - (speech.size() - end - cut_after);
+  } else {
+    before = SamplesOf(random.Uniform(0.05, 0.6));
+    after = SamplesOf(random.Uniform(0.05, 0.6));
+  }
+  const auto kept = speech.subspan(cut_before, speech.size() - cut_before - cut_after);
+  std::vector<float> signal(before + kept.size() + after, 0.0f);
+  std::ranges::copy(kept, signal.begin() + static_cast<std::ptrdiff_t>(before));
+
+  const auto shift = static_cast<std::int32_t>(before) - static_cast<std::int32_t>(cut_before);
+  // Two in five of espeak-ng's recordings begin with a phoneme: what is put before it is a pause.
+  for (PhonemeLabel& label : labels) {
+    if (label.start > 0 || label.symbol != '-') label.start += shift;
+  }
+  if (!labels.empty() && labels.front().start > 0) labels.insert(labels.begin(), {'-', 0});
+  if (!labels.empty() && labels.back().symbol != '-' && after > 0) {
+    labels.push_back({'-', static_cast<std::int32_t>(before + kept.size())});
+  }
+  return signal;
+}
+
+// As a microphone's input, a telephone and a codec leave it.
+void Transmit(std::vector<float>& signal, const AugmentOptions& options, Random& random) {
+  if (Asked(options.clipping_chance, random)) Clip(signal, random.Uniform(2.0, 8.0));
+  if (Asked(options.band_chance, random)) {
+    const double low = random.Uniform(200.0, 400.0);
+    BandPass(signal, low, random.Uniform(3000.0, 3800.0));
+  }
+  if (Asked(options.codec_chance, random)) {
+    constexpr float kPeak = 20000.0F;  // of what a codec is given
+    float peak = 1.0F;
+    for (const float x : signal) peak = std::max(peak, std::abs(x));
+    for (float& x : signal) x *= kPeak / peak;
+    const bool opus = random.Chance(0.5);
+    const double rate = (opus ? 8.0 : 16.0) * std::exp2(random.Uniform(0.0, 2.0));
+    signal = ThroughCodec(signal, opus ? Codec::kOpus : Codec::kMp3, rate);
+  }
 }
 
 }  // namespace
@@ -30,6 +108,7 @@ std::size_t SamplesOf(double seconds) {
 std::vector<float> Resample(std::span<const float> signal, double factor) {
   std::vector<float> out(
       static_cast<std::size_t>(std::lround(static_cast<double>(signal.size()) * factor)));
+  if (signal.empty() || out.empty()) return out;  // soxr crashes on nothing
   const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_MQ, 0);
   const soxr_runtime_spec_t one_thread = soxr_runtime_spec(1);
   std::size_t done = 0;
@@ -121,21 +200,45 @@ AugmentOptions StrongAugmentation(std::size_t number) {
   return options;
 }
 
+AugmentOptions WideAugmentation(std::span<const Utterance> others) {
+  AugmentOptions options;
+  options.reverb_chance = 0.25;
+  options.noise_chance = 0.6;
+  options.noise_low_db = 5.0;
+  options.level_range_db = 45.0;
+  options.child_chance = 0.12;
+  options.tempo_chance = 0.2;
+  options.edges_chance = 0.5;
+  options.room_chance = 0.25;
+  options.babble_chance = 0.3;
+  options.hum_chance = 0.1;
+  options.clipping_chance = 0.1;
+  options.band_chance = 0.08;
+  options.codec_chance = 0.15;
+  options.others = others;
+  return options;
+}
+
 Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random& random) {
-  std::vector<float> speech(clean.samples.begin(), clean.samples.end());
-  double factor = 1.0;
-  if (random.Chance(options.warp_chance)) {
-    factor = random.Uniform(options.warp_low, options.warp_high);
-    speech = Resample(speech, factor);
-  }
+  std::vector<float> speech = SignalOf(clean);
+  const double factor = ChangeSpeaker(speech, options, random);
   const double speech_level = RootMeanSquare(speech);
+  Utterance result{clean.text,  clean.voice,        clean.labels,   {},
+                   clean.tones, clean.spoken_tones, clean.syllables};
+  StretchLabels(result.labels, factor);
+  std::vector<float> signal = WithPadding(speech, result.labels, options, random);
 
-  const std::size_t before = SamplesOf(random.Uniform(0.05, 0.6));
-  const std::size_t after = SamplesOf(random.Uniform(0.05, 0.6));
-  std::vector<float> signal(before + speech.size() + after, 0.0f);
-  std::ranges::copy(speech, signal.begin() + static_cast<std::ptrdiff_t>(before));
-
-  if (random.Chance(options.reverb_chance)) AddReverb(signal, random);
+  if (Asked(options.room_chance, random)) {
+    const double rt60 = random.Uniform(0.3, 0.8);
+    Reverberate(signal, RoomResponse(rt60, random.Uniform(0.0, 10.0), random));
+  } else if (random.Chance(options.reverb_chance)) {
+    AddReverb(signal, random);
+  }
+  if (!options.others.empty() && Asked(options.babble_chance, random)) {
+    const double db = random.Uniform(options.babble_low_db, options.babble_high_db);
+    const double rms = SpeechLevel(signal, result.labels) * FactorOfDb(-db);
+    AddBabble(signal, options.others, clean.voice, rms, random);
+  }
 
   std::array<double, 9> gains{};
   const double tilt = random.Normal() * options.equaliser_db;
@@ -156,27 +259,19 @@ Utterance Augment(const Utterance& clean, const AugmentOptions& options, Random&
     const double ratio_db = random.Uniform(options.noise_low_db, options.noise_high_db);
     AddNoise(signal, random.Uniform(), speech_level * std::pow(10.0, -ratio_db / 20.0), random);
   }
+  if (Asked(options.hum_chance, random)) {
+    const double rms = SpeechLevel(signal, result.labels) * FactorOfDb(-random.Uniform(10.0, 30.0));
+    AddHum(signal, rms, random);
+  }
+  Transmit(signal, options, random);
 
   float peak = 1.0f;
   for (const float x : signal) peak = std::max(peak, std::abs(x));
-  const double gain = 32000.0 * std::pow(10.0, -random.Uniform(0.0, 32.0) / 20.0) / double{peak};
-  Utterance result{clean.text,  clean.voice,        clean.labels,   {},
-                   clean.tones, clean.spoken_tones, clean.syllables};
+  const double gain =
+      32000.0 * std::pow(10.0, -random.Uniform(0.0, options.level_range_db) / 20.0) / double{peak};
   result.samples.reserve(signal.size());
   for (const float x : signal) {
     result.samples.push_back(static_cast<std::int16_t>(std::lround(double{x} * gain)));
-  }
-  for (PhonemeLabel& label : result.labels) {
-    if (label.start > 0) {
-      label.start = static_cast<std::int32_t>(std::lround(label.start * factor)) +
-                    static_cast<std::int32_t>(before);
-    }
-  }
-  if (!result.labels.empty() && result.labels.front().start > 0) {
-    result.labels.insert(result.labels.begin(), {'-', 0});
-  }
-  if (!result.labels.empty() && result.labels.back().symbol != '-') {
-    result.labels.push_back({'-', static_cast<std::int32_t>(before + speech.size())});
   }
   return result;
 }

@@ -26,7 +26,31 @@ struct AugmentOptions {
   double telephone_high = 7000.0;
   double noise_low_db = 8.0;
   double noise_high_db = 45.0;
+  double level_range_db = 32.0;  // peaks lie so far below full scale, at most
+
+  // What follows does not happen unless asked for, and draws nothing then: samples and labels are
+  // what they are without it.
+
+  double child_chance = 0.0;  // pitch and formants up by 10 to 35 %, in place of the warp
+  double tempo_chance = 0.0;
+  double tempo_low = 0.7;  // slower
+  double tempo_high = 1.5;
+  double edges_chance = 0.0;   // before and after the speech exactly 10 ms to 3 s, short ones as
+                               // often as long ones, in place of .05 to .6 s more than there were
+  double room_chance = 0.0;    // with a real tail, in place of reverb
+  double babble_chance = 0.0;  // 3 to 8 of `others`; nothing where there are none
+  double babble_low_db = 5.0;  // below the speech
+  double babble_high_db = 25.0;
+  double hum_chance = 0.0;                 // 10 to 30 dB below the speech
+  double clipping_chance = 0.0;            // 2 to 8 dB of the peak
+  double band_chance = 0.0;                // of a telephone: from 200-400 to 3000-3800 Hz
+  double codec_chance = 0.0;               // Opus of 8 to 32 kbit/s or, as often, MP3 of 16 to 64
+  std::span<const Utterance> others = {};  // must outlive every use of the options
 };
+
+// What people's phones, rooms and browsers do, each by a chance of its own, more of it than a
+// reading usually has. `others` are those who babble; without any nobody does.
+AugmentOptions WideAugmentation(std::span<const Utterance> others);
 
 // Worse than anything in training, to see what holds up: a vocal tract beyond its range (every
 // second utterance a shorter one), a band of 4 kHz, reverb, noise at 10 dB.

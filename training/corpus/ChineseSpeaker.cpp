@@ -1,5 +1,6 @@
 #include <array>
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -16,7 +17,7 @@ class ChineseSpeaker final : public SentenceSpeaker {
  public:
   explicit ChineseSpeaker(const SpeakerOptions& options)
       : m_texts(options.words),
-        m_balance(PhonemeFrequencies(kLanguageChinese)),
+        m_balance(PhonemeFrequencies(kLanguageChinese, options.evenness)),
         m_held_out(options.held_out) {}
 
   Utterance Speak(Random& random) override {
@@ -49,6 +50,7 @@ class ChineseSpeaker final : public SentenceSpeaker {
 }  // namespace
 
 std::unique_ptr<SentenceSpeaker> MakeChineseSpeaker(const SpeakerOptions& options) {
+  if (options.rare) throw std::runtime_error("rare sentences are English");
   return std::make_unique<ChineseSpeaker>(options);
 }
 

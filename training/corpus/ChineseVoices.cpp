@@ -25,9 +25,15 @@ EspeakVoice DrawVariant(Random& random, bool held_out) {
   return voice;
 }
 
+// So low that espeak-ng ends the process at a low setting.
+constexpr std::string_view kLowest = "rob";
+
+std::string_view VariantOf(const EspeakVoice& voice) {
+  return std::string_view(voice.name).substr(voice.name.rfind('+') + 1);
+}
+
 bool HasMelody(const EspeakVoice& voice) {
-  const std::string_view variant = std::string_view(voice.name).substr(voice.name.rfind('+') + 1);
-  return std::ranges::find(kWithoutMelody, variant) == kWithoutMelody.end();
+  return std::ranges::find(kWithoutMelody, VariantOf(voice)) == kWithoutMelody.end();
 }
 
 }  // namespace
@@ -43,7 +49,7 @@ EspeakVoice DrawChineseVoice(Random& random, bool held_out) {
 EspeakVoice DrawToneVoice(Random& random, bool held_out) {
   EspeakVoice voice = DrawVariant(random, held_out);
   while (!HasMelody(voice)) voice = DrawVariant(random, held_out);
-  voice.pitch = random.Between(65, 99);
+  voice.pitch = random.Between(VariantOf(voice) == kLowest ? 65 : 20, 99);
   voice.range = random.Between(85, 100);
   return voice;
 }

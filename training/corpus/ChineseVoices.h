@@ -12,8 +12,8 @@ namespace veral3::training {
 // given their full range.
 EspeakVoice DrawChineseVoice(Random& random, bool held_out);
 
-// One whose tones can be heard: always raised, never one of the variants that have no melody or
-// turn it upside down.
+// One whose tones can be heard: of any pitch that people have, from men of 85 Hz to children, with
+// nearly its full range, never one of the variants that have no melody or turn it upside down.
 EspeakVoice DrawToneVoice(Random& random, bool held_out);
 
 // The sentence as the voice says it, with phoneme times, tones and syllables. Throws

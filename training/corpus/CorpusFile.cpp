@@ -38,7 +38,7 @@ bool ReadBytes(std::ifstream& file, Container& into) {
 std::string PhonemesOf(const Utterance& utterance) {
   std::string phonemes;
   for (const PhonemeLabel& label : utterance.labels) {
-    if (label.symbol != '-') phonemes += label.symbol;
+    if (label.symbol != '-' && label.symbol != kUnused) phonemes += label.symbol;
   }
   return phonemes;
 }

@@ -1,6 +1,5 @@
 #include "training/corpus/EnglishTextChooser.h"
 
-#include <array>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,16 +24,19 @@ std::optional<std::string> ExpectedPhonemes(EspeakSpeech& espeak, const EventTab
 EnglishTextChooser::EnglishTextChooser(const SpeakerOptions& options)
     : m_texts(options.words.empty() ? std::vector<std::string>{}
                                     : ReadDictionaryWords(options.words)),
-      m_balance(PhonemeFrequencies(kLanguageEnglish)),
-      m_held_out(options.held_out) {}
+      m_balance(PhonemeFrequencies(kLanguageEnglish, options.evenness)),
+      m_held_out(options.held_out),
+      m_rare(options.rare),
+      // Rare sounds are rare in templates as well: more must be looked at to find them.
+      m_candidates(options.evenness > 0.0 ? 12 : 5) {}
 
 std::string EnglishTextChooser::Choose(EspeakSpeech& espeak, const EventTable& table,
                                        Random& random) {
+  if (m_rare) return EnglishTexts::DrawRare(random);
   if (m_held_out) return m_texts.DrawHeldOut(random);
-  constexpr std::size_t kCandidates = 5;
-  std::array<std::string, kCandidates> candidates;
-  std::array<std::string, kCandidates> phonemes;
-  for (std::size_t i = 0; i < kCandidates; ++i) {
+  std::vector<std::string> candidates(m_candidates);
+  std::vector<std::string> phonemes(m_candidates);
+  for (std::size_t i = 0; i < m_candidates; ++i) {
     std::optional<std::string> expected;
     while (!expected) {
       candidates[i] = m_texts.Draw(random);

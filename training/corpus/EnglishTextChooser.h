@@ -11,7 +11,7 @@
 
 namespace veral3::training {
 
-// Draws English texts that espeak-ng's current voice can say, the best balanced of five each time;
+// Draws English texts that espeak-ng's current voice can say, the best balanced of several each time;
 // held-out ones as they come.
 class EnglishTextChooser {
  public:
@@ -24,6 +24,8 @@ class EnglishTextChooser {
   EnglishTexts m_texts;
   PhonemeBalance m_balance;
   bool m_held_out;
+  bool m_rare;
+  std::size_t m_candidates;
 };
 
 }  // namespace veral3::training

@@ -177,6 +177,31 @@ constexpr auto kHeldOutTemplates = std::to_array<std::string_view>({
     "without any N , P V A P",
 });
 
+// R: a word with a rare sound, or with a sound that is rare at the end of a word.
+const Vocabulary& RareVocabulary() {
+  static const Vocabulary vocabulary = {
+      {'R', Split("seizure leisure closure explosion invasion confusion collision illusion mirage "
+                  "prestige collage camouflage sabotage corsage revision division occasion "
+                  "precision erosion conclusion erasure exposure provision intrusion "
+                  "duck clock brick truck snake spike shark fork frog bug flag wig rug twig "
+                  "glove cave olive stove sleeve wave grave leaf roof chef thief knife giraffe "
+                  "cliff reef scarf loaf crab web tube cub robe tribe cup soup grape map tulip "
+                  "syrup lamp cabbage garbage sausage fridge ledge college cottage witch coach "
+                  "sandwich porch ostrich couch moth booth wreath breath radish brush trash leash "
+                  "wing sting king gong lung swing drum broom farm yacht yogurt "
+                  "wool pudding cushion butcher onion oven pump jug laundry lawn hawk chalk")},
+  };
+  return vocabulary;
+}
+
+constexpr auto kRareTemplates = std::to_array<std::string_view>({
+    "neither R nor R",
+    "one R , one R , one R",
+    "this R behind a R",
+    "every R needs some R",
+    "R against R",
+});
+
 // Fills the slots of a template. `replace`: the slot (counted over all) whose word must differ from
 // what it would be; -1 for none.
 std::string Fill(std::string_view pattern, const Vocabulary& vocabulary, const Words& any_words,
@@ -212,6 +237,10 @@ std::string EnglishTexts::Draw(Random& random) const {
 
 std::string EnglishTexts::DrawHeldOut(Random& random) const {
   return Fill(random.Pick(kHeldOutTemplates), HeldOutVocabulary(), {}, random);
+}
+
+std::string EnglishTexts::DrawRare(Random& random) {
+  return Fill(random.Pick(kRareTemplates), RareVocabulary(), {}, random);
 }
 
 std::string EnglishTexts::WithOneWordChanged(const std::string& held_out_sentence, Random& random) {

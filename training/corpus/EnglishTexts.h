@@ -16,6 +16,9 @@ class EnglishTexts {
 
   std::string Draw(Random& random) const;         // for training
   std::string DrawHeldOut(Random& random) const;  // for measuring; common words only
+  // For measuring too: words with sounds that the held-out sentences hardly have, such as the one
+  // in "seizure" or an f at the end of a word.
+  static std::string DrawRare(Random& random);
 
   // The sentence with one content word changed for another of the same kind.
   static std::string WithOneWordChanged(const std::string& held_out_sentence, Random& random);

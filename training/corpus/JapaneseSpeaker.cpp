@@ -95,7 +95,7 @@ class JapaneseSpeaker final : public SentenceSpeaker {
  public:
   explicit JapaneseSpeaker(const SpeakerOptions& options)
       : m_texts(options.words),
-        m_balance(PhonemeFrequencies(kLanguageJapanese)),
+        m_balance(PhonemeFrequencies(kLanguageJapanese, options.evenness)),
         m_held_out(options.held_out) {}
 
   Utterance Speak(Random& random) override {
@@ -147,6 +147,7 @@ class JapaneseSpeaker final : public SentenceSpeaker {
 }  // namespace
 
 std::unique_ptr<SentenceSpeaker> MakeJapaneseSpeaker(const SpeakerOptions& options) {
+  if (options.rare) throw std::runtime_error("rare sentences are English");
   return std::make_unique<JapaneseSpeaker>(options);
 }
 

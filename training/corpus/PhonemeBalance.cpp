@@ -1,5 +1,6 @@
 #include "training/corpus/PhonemeBalance.h"
 
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -13,14 +14,16 @@ constexpr std::size_t kCodes = 128;
 
 }  // namespace
 
-std::vector<PhonemeFrequency> PhonemeFrequencies(LanguageType language) {
+std::vector<PhonemeFrequency> PhonemeFrequencies(LanguageType language, double evenness) {
   const CPhonemeSet* set = PhonemeSetOf(language);
   if (set == nullptr) throw std::runtime_error("no such language");
   const std::span<const double> normalisers = PhonemeNormalisersOf(language);
   std::vector<PhonemeFrequency> frequencies;
   for (int i = 0; i < set->GetSize(); ++i) {
     const char symbol = set->GetFullSet()[i];
-    if (symbol != '-') frequencies.push_back({symbol, normalisers[static_cast<std::size_t>(i)]});
+    if (symbol == '-') continue;
+    const double frequency = normalisers[static_cast<std::size_t>(i)];
+    frequencies.push_back({symbol, std::pow(frequency, 1.0 - evenness)});
   }
   return frequencies;
 }

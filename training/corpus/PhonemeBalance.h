@@ -15,8 +15,9 @@ struct PhonemeFrequency {
 };
 
 // The frequencies of a language that its phoneme scores are judged against: their normalisers,
-// which are proportional to them.
-std::vector<PhonemeFrequency> PhonemeFrequencies(LanguageType language);
+// which are proportional to them. `evenness` brings them nearer to one another: 0 leaves them, 1
+// makes them all the same, in between they are raised to 1 - evenness.
+std::vector<PhonemeFrequency> PhonemeFrequencies(LanguageType language, double evenness);
 
 // Chooses among texts so that the corpus comes near the wanted phoneme frequencies. Sentence
 // templates alone would be full of "the".

@@ -28,6 +28,8 @@ class SentenceSpeaker {
 struct SpeakerOptions {
   std::string words;      // dictionary file whose words fill sentences
   bool held_out = false;  // voices and sentences that training never has
+  bool rare = false;      // held-out English sentences of words with rare sounds
+  double evenness = 0.0;  // of phonemes, 0 to 1: as often as scores expect them, to all alike
 };
 
 std::unique_ptr<SentenceSpeaker> MakeEnglishSpeaker(const SpeakerOptions& options);

@@ -6,8 +6,11 @@
 
 namespace veral3::training {
 
-// A phoneme (or '-', a pause) that begins at a sample and lasts to the next one's start, the last
-// one to the end of the recording.
+// The symbol of a stretch of which nothing is learnt: a sound that is near no phoneme of the set.
+inline constexpr char kUnused = '?';
+
+// A phoneme (or '-', a pause; or '?', kUnused) that begins at a sample and lasts to the next one's
+// start, the last one to the end of the recording.
 struct PhonemeLabel {
   char symbol;
   std::int32_t start;  // samples
@@ -30,7 +33,7 @@ struct Utterance {
   std::vector<std::int32_t> syllables = {};
 };
 
-// The phonemes alone, pauses left out.
+// The phonemes alone; pauses and unused stretches left out.
 std::string PhonemesOf(const Utterance& utterance);
 
 }  // namespace veral3::training

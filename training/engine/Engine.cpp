@@ -51,10 +51,13 @@ void LoadEngine(LanguageType language, const EngineFiles& files) {
     throw std::runtime_error("no " + name + " dictionary in " + folder.string());
   }
   const int number = language - kLanguageEnglish;
-  Load(folder / (name + "Frame.model"), kFrameModelEnglish + number);
-  Load(folder / (name + "Phon.model"), kPhonemeModelEnglish + number);
+  const auto either = [&](const std::string& own, const std::string& usual) {
+    return own.empty() ? folder / usual : std::filesystem::path(own);
+  };
+  Load(either(files.frame_model, name + "Frame.model"), kFrameModelEnglish + number);
+  Load(either(files.phoneme_model, name + "Phon.model"), kPhonemeModelEnglish + number);
   if (language == kLanguageChinese) LoadIfThere(folder / "ChineseTone.model", kToneModelChinese);
-  if (files.goodness) Load(folder / "UttGoodness.model", kUttGoodnessModel);
+  if (files.goodness) Load(either(files.goodness_model, "UttGoodness.model"), kUttGoodnessModel);
 }
 
 std::vector<Utterance> ReadCorpora(const std::vector<std::string>& paths, std::size_t most) {

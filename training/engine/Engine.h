@@ -12,6 +12,10 @@ namespace veral3::training {
 struct EngineFiles {
   std::string resources = "resources/";  // folder of dictionaries and models
   bool goodness = true;                  // load the goodness model, too
+  // Models to load in place of those in the folder; empty: those in the folder.
+  std::string frame_model = {};
+  std::string phoneme_model = {};
+  std::string goodness_model = {};
 };
 
 // Loads the dictionaries, the models of one language that `files.resources` has, and the goodness

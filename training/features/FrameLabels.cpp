@@ -12,8 +12,9 @@ std::vector<FrameSegment> SegmentsOf(std::span<const PhonemeLabel> labels, int n
                                      const CPhonemeSet& set) {
   std::vector<FrameSegment> segments;
   for (std::size_t i = 0; i < labels.size(); ++i) {
-    const int phoneme = set.GetPhonemeIndex(labels[i].symbol);
-    if (phoneme < 0) {
+    const bool unused = labels[i].symbol == kUnused;
+    const int phoneme = unused ? kUnusedPhoneme : set.GetPhonemeIndex(labels[i].symbol);
+    if (phoneme < 0 && !unused) {
       throw std::runtime_error(std::string("the phoneme set has no [") + labels[i].symbol + "]");
     }
     // The first t with 220 t + 110 >= start.
@@ -41,10 +42,17 @@ void StateLabels(std::span<const FrameSegment> segments, int num_frames, int pau
     int end = num_frames;
     if (i + 1 < segments.size()) {
       end = segments[i + 1].first_frame;
-      if (!shifts.empty()) {
+      const bool by_unused =
+          segments[i].phoneme == kUnusedPhoneme || segments[i + 1].phoneme == kUnusedPhoneme;
+      if (!shifts.empty() && !by_unused) {
         const int after = i + 2 < segments.size() ? segments[i + 2].first_frame : num_frames;
         end = std::clamp(end + shifts[i + 1], first + 1, std::max(after - 1, first + 1));
       }
+    }
+    if (segments[i].phoneme == kUnusedPhoneme) {
+      std::fill(labels.begin() + first, labels.begin() + end, kUnusedState);
+      first = end;
+      continue;
     }
     const bool pause = segments[i].phoneme == pause_phoneme;
     for (int frame = first; frame < end; ++frame) {

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include "core/PitchSegments.h"
 #include "core/SyllablePitch.h"
+#include "signal/CPraAutoCorrPDA.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/FramePitch.h"
 #include "signal/HighPassFilter.h"
@@ -29,6 +31,9 @@ double MeanLogPitch(const ToneTrack& track) {
   return count == 0 ? 0.0 : sum / count;
 }
 
+// Whether a syllable's tone is lost with the voiced frames that are below the tracker.
+bool IsLost(std::int64_t below, std::int64_t voiced) { return below > 0 && 5 * below >= voiced; }
+
 // How one speaker differs from another through a whole utterance.
 struct SpeakerWarp {
   double mean;      // logarithm of the source's pitch, about which it is stretched
@@ -40,9 +45,14 @@ struct SpeakerWarp {
   bool creaks;
 };
 
+struct WarpedSyllable {
+  std::vector<std::int32_t> frames;
+  bool lost = false;  // below the tracker
+};
+
 // `place`: 0 to 1, where in the utterance the syllable begins.
-std::vector<std::int32_t> WarpSyllable(std::span<const std::int32_t> frames,
-                                       const SpeakerWarp& speaker, double place, Random& random) {
+WarpedSyllable WarpSyllable(std::span<const std::int32_t> frames, const SpeakerWarp& speaker,
+                            double place, Random& random) {
   const double duration = speaker.duration * random.Uniform(0.8, 1.25);
   const auto length = std::max<std::size_t>(
       1, static_cast<std::size_t>(std::lround(static_cast<double>(frames.size()) * duration)));
@@ -57,6 +67,8 @@ std::vector<std::int32_t> WarpSyllable(std::span<const std::int32_t> frames,
   const bool creaks = speaker.creaks && random.Chance(0.4);
   const double creak_below = lowest * random.Uniform(1.02, 1.15);
   double wander = 0.0;
+  std::int64_t voiced = 0;
+  std::int64_t below = 0;
   std::vector<std::int32_t> warped(length, 0);
   for (std::size_t i = 0; i < length; ++i) {
     const double part = (static_cast<double>(i) + 0.5) / static_cast<double>(length);
@@ -69,12 +81,14 @@ std::vector<std::int32_t> WarpSyllable(std::span<const std::int32_t> frames,
     const double log_hz = speaker.mean + (std::log(hz) - speaker.mean) * range + shift +
                           slope * (part - 0.5) + wander;
     const double warped_hz = std::exp(log_hz);
+    ++voiced;
+    below += warped_hz < kWidestFloor;
     // The tracker follows nothing outside.
     if (warped_hz >= kWidestFloor && warped_hz <= kWidestCeiling) {
       warped[i] = static_cast<std::int32_t>(warped_hz);
     }
   }
-  return warped;
+  return {std::move(warped), IsLost(below, voiced)};
 }
 
 // Moves the boundaries between syllables by up to two frames.
@@ -90,6 +104,19 @@ std::vector<FrameSpan> MovedSyllables(const ToneTrack& track, Random& random) {
     spans[i].end = std::min(std::max(spans[i].end, spans[i].begin), last_frame);
   }
   return spans;
+}
+
+template <typename Tracker>
+ToneTrack TrackOf(const Utterance& utterance, const Tracker& tracker) {
+  ToneTrack track;
+  track.syllables = SyllableFrames(utterance);
+  std::vector<std::int16_t> samples = utterance.samples;
+  HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
+  const auto count = static_cast<std::uint32_t>(samples.size());
+  if (count < kFrameLength) return track;
+  track.pitch.resize(static_cast<std::size_t>(NumFrames(count)));
+  tracker(samples.data(), count, std::span<int>(track.pitch));
+  return track;
 }
 
 }  // namespace
@@ -125,15 +152,42 @@ std::vector<FrameSpan> SyllableFrames(const Utterance& utterance) {
 }
 
 ToneTrack ToneTrackOf(const Utterance& utterance) {
-  ToneTrack track;
-  track.syllables = SyllableFrames(utterance);
-  std::vector<std::int16_t> samples = utterance.samples;
-  HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
-  const auto count = static_cast<std::uint32_t>(samples.size());
-  if (count < kFrameLength) return track;
-  track.pitch.resize(static_cast<std::size_t>(NumFrames(count)));
-  CalculateFramePitch(samples.data(), count, track.pitch);
-  return track;
+  return TrackOf(utterance, [](const std::int16_t* samples, std::uint32_t n, std::span<int> pitch) {
+    CalculateFramePitch(samples, n, pitch);
+  });
+}
+
+ToneTrack DeepTrackOf(const Utterance& utterance) {
+  constexpr double kDeepFloor = 40.0;  // Hz
+  return TrackOf(utterance, [](const std::int16_t* samples, std::uint32_t n, std::span<int> pitch) {
+    const auto track = CPraAutoCorrPDA().SoundToPitch(samples, n, 1.0 / kSampleRate, 0.0,
+                                                      kDeepFloor, kWidestCeiling);
+    if (track) MapTrackToFrames(*track, pitch);
+  });
+}
+
+double MeanPitch(const ToneTrack& track) {
+  double sum = 0.0;
+  int count = 0;
+  for (const FrameSpan span : track.syllables) {
+    for (const std::int32_t hz : Slice(std::span<const std::int32_t>(track.pitch), span)) {
+      sum += hz;
+      count += hz > 0;
+    }
+  }
+  return count == 0 ? 0.0 : sum / count;
+}
+
+std::vector<bool> FallBelowTracker(const ToneTrack& deep) {
+  std::vector<bool> fall;
+  for (const FrameSpan span : deep.syllables) {
+    const auto frames = Slice(std::span<const std::int32_t>(deep.pitch), span);
+    const auto voiced = std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0; });
+    const auto below =
+        std::ranges::count_if(frames, [](std::int32_t hz) { return hz > 0 && hz < kWidestFloor; });
+    fall.push_back(IsLost(below, voiced));
+  }
+  return fall;
 }
 
 ToneTrack WarpTrack(const ToneTrack& track, Random& random) {
@@ -151,12 +205,15 @@ ToneTrack WarpTrack(const ToneTrack& track, Random& random) {
   for (std::size_t i = 0; i < spans.size(); ++i) {
     const double place = static_cast<double>(i) / static_cast<double>(spans.size());
     const auto frames = Slice(pitch, spans[i]);
+    bool lost = false;
     FrameSpan span{static_cast<int>(warped.pitch.size()), static_cast<int>(warped.pitch.size())};
     if (!frames.empty()) {
-      const auto syllable = WarpSyllable(frames, speaker, place, random);
-      warped.pitch.insert(warped.pitch.end(), syllable.begin(), syllable.end());
+      const WarpedSyllable syllable = WarpSyllable(frames, speaker, place, random);
+      warped.pitch.insert(warped.pitch.end(), syllable.frames.begin(), syllable.frames.end());
       span.end = static_cast<int>(warped.pitch.size());
+      lost = syllable.lost;
     }
+    warped.lost.push_back(lost || (i < track.lost.size() && track.lost[i]));
     warped.syllables.push_back(span);
   }
   return warped;
@@ -172,6 +229,7 @@ std::vector<ToneExample> ToneExamplesOf(const ToneTrack& track, std::string_view
   const int average_length = AverageLength(track.syllables);
   std::vector<ToneExample> examples;
   for (std::size_t i = 0; i < tones.size(); ++i) {
+    if (i < track.lost.size() && track.lost[i]) continue;
     const auto frames = Slice(pitch, track.syllables[i]);
     if (CountPitchSegments(kLanguageChinese, frames).segments > kMaxSegments) continue;
     const int syllable = static_cast<int>(i);

@@ -20,6 +20,9 @@ namespace veral3::training {
 struct ToneTrack {
   std::vector<std::int32_t> pitch;
   std::vector<FrameSpan> syllables;
+  // Syllables whose tone is lost, because a fifth or more of their voice lies below the tracker.
+  // Empty where nobody looked.
+  std::vector<bool> lost = {};
 };
 
 struct ToneExample {
@@ -34,17 +37,27 @@ int ToneClassOf(char tone);
 // The syllables where the labels have them; samples filtered as alignment filters them.
 ToneTrack ToneTrackOf(const Utterance& utterance);
 
+// The same by a tracker that follows a voice down to 40 Hz, to tell what the engine's loses.
+ToneTrack DeepTrackOf(const Utterance& utterance);
+
+// Mean of the voiced frames of all syllables [Hz], 0 where there are none.
+double MeanPitch(const ToneTrack& track);
+
+// For each syllable whether a fifth or more of its voiced frames lie below the engine's tracker:
+// what of its tone is left is then chance. `deep`: the track of DeepTrackOf.
+std::vector<bool> FallBelowTracker(const ToneTrack& deep);
+
 // The frames of an utterance's syllables by its labels.
 std::vector<FrameSpan> SyllableFrames(const Utterance& utterance);
 
 // The same utterance as another speaker might have said it, who speaks higher or lower, livelier or
 // flatter, faster or slower, whose contours are bent and unsteady, whose voice creaks where it is
 // low, and whose syllables are cut a little wrong. All that is by chance and leaves the tones what
-// they are.
+// they are, but for those that are lost below the tracker.
 ToneTrack WarpTrack(const ToneTrack& track, Random& random);
 
-// One example a syllable; none for syllables in more than two pieces, which the engine does not
-// classify. `tones`: digits 1 to 5, one a syllable.
+// One example a syllable; none for lost ones, and for those in more than two pieces, which the
+// engine does not classify. `tones`: digits 1 to 5, one a syllable.
 std::vector<ToneExample> ToneExamplesOf(const ToneTrack& track, std::string_view tones);
 
 }  // namespace veral3::training

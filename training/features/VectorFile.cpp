@@ -2,13 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstdint>
 #include <stdexcept>
 #include <utility>
 
 namespace veral3::training {
 namespace {
 
-constexpr std::array<char, 8> kMagic = {'V', '3', 'V', 'E', 'C', 'T', '1', '\n'};
+constexpr std::array<char, 8> kMagic = {'V', '3', 'V', 'E', 'C', 'T', '2', '\n'};
 constexpr std::size_t kHeader = kMagic.size() + 2 * sizeof(std::int32_t);
 constexpr std::int32_t kMost = 1 << 14;  // inputs; more is damage
 constexpr std::int32_t kMostClasses = 256;
@@ -17,13 +19,23 @@ std::filesystem::path Unfinished(const std::filesystem::path& path) {
   return path.string() + ".part";
 }
 
+// None below 0, 1 together.
+bool AreWeights(std::span<const float> weights) {
+  double sum = 0.0;
+  for (const float weight : weights) {
+    if (!(weight >= 0.0f)) return false;
+    sum += double{weight};
+  }
+  return std::abs(sum - 1.0) < 1e-4;
+}
+
 }  // namespace
 
 VectorWriter::VectorWriter(std::filesystem::path path, int inputs, int classes)
     : m_path(std::move(path)),
       m_file(Unfinished(m_path), std::ios::binary),
       m_inputs(inputs),
-      m_num_classes(classes) {
+      m_classes(classes) {
   if (inputs < 1 || inputs > kMost || classes < 1 || classes > kMostClasses) {
     throw std::invalid_argument("no such number of inputs or classes");
   }
@@ -34,19 +46,28 @@ VectorWriter::VectorWriter(std::filesystem::path path, int inputs, int classes)
 }
 
 void VectorWriter::Write(std::span<const float> row, int example_class) {
-  if (row.size() != static_cast<std::size_t>(m_inputs) || example_class < 0 ||
-      example_class >= m_num_classes) {
+  if (example_class < 0 || example_class >= m_classes) {
+    throw std::invalid_argument("an example does not fit " + m_path.string());
+  }
+  std::vector<float> weights(static_cast<std::size_t>(m_classes), 0.0f);
+  weights[static_cast<std::size_t>(example_class)] = 1.0f;
+  Write(row, weights);
+}
+
+void VectorWriter::Write(std::span<const float> row, std::span<const float> weights) {
+  if (row.size() != static_cast<std::size_t>(m_inputs) ||
+      weights.size() != static_cast<std::size_t>(m_classes) || !AreWeights(weights)) {
     throw std::invalid_argument("an example does not fit " + m_path.string());
   }
   m_file.write(reinterpret_cast<const char*>(row.data()),
                static_cast<std::streamsize>(row.size_bytes()));
-  m_classes.push_back(static_cast<std::uint8_t>(example_class));
+  m_weights.insert(m_weights.end(), weights.begin(), weights.end());
   if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
 }
 
 void VectorWriter::Close() {
-  m_file.write(reinterpret_cast<const char*>(m_classes.data()),
-               static_cast<std::streamsize>(m_classes.size()));
+  m_file.write(reinterpret_cast<const char*>(m_weights.data()),
+               static_cast<std::streamsize>(m_weights.size() * sizeof(float)));
   m_file.close();
   if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
   std::filesystem::rename(Unfinished(m_path), m_path);
@@ -69,18 +90,26 @@ VectorFile ReadVectorFile(const std::filesystem::path& path) {
   if (!file || magic != kMagic || !fits) return refuse();
   VectorFile vectors{counts[0], counts[1], {}, {}};
   const auto width = static_cast<std::size_t>(counts[0]);
-  const std::size_t bytes_each = width * sizeof(float) + 1;
+  const auto classes = static_cast<std::size_t>(counts[1]);
+  const std::size_t bytes_each = (width + classes) * sizeof(float);
   if ((size - kHeader) % bytes_each != 0) return refuse();
   const std::size_t examples = (size - kHeader) / bytes_each;
   vectors.rows.resize(examples * width);
-  vectors.class_of.resize(examples);
+  vectors.weights.resize(examples * classes);
   file.read(reinterpret_cast<char*>(vectors.rows.data()),
             static_cast<std::streamsize>(vectors.rows.size() * sizeof(float)));
-  file.read(reinterpret_cast<char*>(vectors.class_of.data()),
-            static_cast<std::streamsize>(examples));
-  const auto in_range = [&](std::uint8_t example) { return example < counts[1]; };
-  if (!file || !std::ranges::all_of(vectors.class_of, in_range)) return refuse();
+  file.read(reinterpret_cast<char*>(vectors.weights.data()),
+            static_cast<std::streamsize>(vectors.weights.size() * sizeof(float)));
+  if (!file) return refuse();
+  for (std::size_t i = 0; i < examples; ++i) {
+    if (!AreWeights(vectors.Weights(i))) return refuse();
+  }
   return vectors;
+}
+
+int VectorFile::ClassOf(std::size_t example) const {
+  const auto own = Weights(example);
+  return static_cast<int>(std::ranges::max_element(own) - own.begin());
 }
 
 }  // namespace veral3::training

@@ -2,36 +2,25 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
-#include <set>
-#include <sstream>
+#include <cstdlib>
+#include <map>
 #include <stdexcept>
-#include <utility>
 
 #include "signal/CWaveFrameDef.h"
+#include "training/goodness/NoSpeech.h"
 
 namespace veral3::training {
 namespace {
 
 using Samples = std::vector<std::int16_t>;
+using Words = std::vector<SpokenWord>;
 
 std::size_t SamplesOf(double seconds) {
   return static_cast<std::size_t>(std::lround(seconds * kSampleRate));
 }
 
-std::vector<std::string> WordsOf(const std::string& sentence) {
-  std::istringstream stream(sentence);
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;) words.push_back(word);
-  return words;
-}
-
-// ASCII marks at the end say nothing; the texts of the other languages have none.
-std::string WithoutMarks(std::string word) {
-  while (!word.empty() && std::string_view(".,?!").find(word.back()) != std::string_view::npos) {
-    word.pop_back();
-  }
-  return word;
+Samples SamplesBetween(const Passage& passage, std::int32_t begin, std::int32_t end) {
+  return {passage.samples.begin() + begin, passage.samples.begin() + end};
 }
 
 Samples Joined(const Samples& first, double gap, const Samples& second) {
@@ -41,132 +30,145 @@ Samples Joined(const Samples& first, double gap, const Samples& second) {
   return all;
 }
 
-// Where speech begins and ends; the whole recording where the labels do not tell.
-std::pair<std::size_t, std::size_t> SpeechOf(const Utterance& utterance) {
-  const auto is_speech = [](const PhonemeLabel& label) { return label.symbol != '-'; };
-  const auto first = std::ranges::find_if(utterance.labels, is_speech);
-  if (first == utterance.labels.end()) return {0, utterance.samples.size()};
-  const auto last = utterance.labels.back();
-  const std::size_t end =
-      last.symbol == '-' ? static_cast<std::size_t>(last.start) : utterance.samples.size();
-  return {static_cast<std::size_t>(first->start), end};
-}
-
-// The recording up to a place, faded out over 5 ms.
-Samples CutAt(const Samples& samples, std::size_t place) {
-  Samples cut(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(place));
-  const std::size_t fade = std::min(SamplesOf(0.005), cut.size());
+// Over a few ms, so that a cut is not heard as a click.
+void FadeIn(Samples& samples, double seconds) {
+  const std::size_t fade = std::min(SamplesOf(seconds), samples.size());
   for (std::size_t i = 0; i < fade; ++i) {
-    std::int16_t& sample = cut[cut.size() - 1 - i];
-    sample = static_cast<std::int16_t>(sample * static_cast<int>(i) / static_cast<int>(fade));
-  }
-  return cut;
-}
-
-Samples SamplesOfLabel(const Utterance& utterance, std::size_t label) {
-  const auto begin = utterance.samples.begin() + utterance.labels[label].start;
-  const auto end = label + 1 < utterance.labels.size()
-                       ? utterance.samples.begin() + utterance.labels[label + 1].start
-                       : utterance.samples.end();
-  return {begin, end};
-}
-
-// Over 2 ms, so that a cut is not heard as a click.
-void FadeEnds(Samples& samples) {
-  const std::size_t fade = std::min(SamplesOf(0.002), samples.size() / 2);
-  for (std::size_t i = 0; i < fade; ++i) {
-    for (std::int16_t* x : {&samples[i], &samples[samples.size() - 1 - i]}) {
-      *x = static_cast<std::int16_t>(*x * static_cast<int>(i) / static_cast<int>(fade));
-    }
+    samples[i] =
+        static_cast<std::int16_t>(samples[i] * static_cast<int>(i) / static_cast<int>(fade));
   }
 }
 
-// A part of a recording: half of it at least.
-Samples PartOf(const Utterance& utterance, Random& random) {
-  const auto [begin, end] = SpeechOf(utterance);
-  const double share = random.Uniform(0.5, 1.0);
-  const auto length = static_cast<std::size_t>(share * static_cast<double>(end - begin));
-  return CutAt(utterance.samples, begin + length);
+void FadeOut(Samples& samples, double seconds) {
+  std::ranges::reverse(samples);
+  FadeIn(samples, seconds);
+  std::ranges::reverse(samples);
 }
+
+std::int32_t EndOf(const Passage& passage) { return passage.words.back().end; }
+
+// How many of `count` words a share is, one at least.
+std::size_t PartOf(std::size_t count, double share) {
+  const auto part = std::lround(share * static_cast<double>(count));
+  return std::clamp<std::size_t>(static_cast<std::size_t>(std::max(part, 1L)), 1, count);
+}
+
+// `count` of the numbers below `all`, in ascending order: side by side, or anywhere.
+std::vector<std::size_t> DrawPlaces(std::size_t count, std::size_t all, Random& random) {
+  std::vector<std::size_t> places(all);
+  const std::size_t first = random.Below(all - count + 1);
+  for (std::size_t i = 0; i < all; ++i) places[i] = i;
+  if (random.Chance(0.5)) {
+    return {places.begin() + static_cast<std::ptrdiff_t>(first),
+            places.begin() + static_cast<std::ptrdiff_t>(first + count)};
+  }
+  random.Shuffle(std::span(places));
+  places.resize(count);
+  std::ranges::sort(places);
+  return places;
+}
+
+std::string TextOf(std::span<const std::string> words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+std::vector<std::string> TextsOf(const Words& words) {
+  std::vector<std::string> texts;
+  for (const SpokenWord& word : words) texts.push_back(word.text);
+  return texts;
+}
+
+int PhonemesAt(const Words& words, std::span<const std::size_t> places) {
+  int count = 0;
+  for (const std::size_t place : places) count += CountPhonemes(std::span(words).subspan(place, 1));
+  return count;
+}
+
+double Share(int part, int all) { return all == 0 ? 0.0 : double(part) / all; }
 
 // Up to three pauses before words. Speech is not faded: stops and vowels may be cut hard, as by
 // somebody who hesitates.
-Samples WithPauses(const Samples& samples, std::span<const std::int32_t> word_starts,
-                   Random& random) {
-  std::vector<std::int32_t> places;
-  for (std::size_t word = 1; word < word_starts.size(); ++word) {
-    if (random.Chance(0.4) && places.size() < 3) places.push_back(word_starts[word]);
-  }
+Samples WithPauses(const Passage& passage, Random& random) {
   Samples out;
-  std::size_t done = 0;
-  for (const std::int32_t place : places) {
-    const auto until = std::min(static_cast<std::size_t>(place), samples.size());
-    out.insert(out.end(), samples.begin() + static_cast<std::ptrdiff_t>(done),
-               samples.begin() + static_cast<std::ptrdiff_t>(until));
+  std::int32_t done = 0;
+  int pauses = 0;
+  for (std::size_t word = 1; word < passage.words.size() && pauses < 3; ++word) {
+    if (!random.Chance(0.4)) continue;
+    out = Joined(out, 0.0, SamplesBetween(passage, done, passage.words[word].Start()));
     out.insert(out.end(), SamplesOf(random.Uniform(0.05, 0.6)), 0);
-    done = until;
+    done = passage.words[word].Start();
+    ++pauses;
   }
-  out.insert(out.end(), samples.begin() + static_cast<std::ptrdiff_t>(done), samples.end());
-  return out;
+  return Joined(out, 0.0,
+                SamplesBetween(passage, done, static_cast<std::int32_t>(passage.samples.size())));
 }
 
-Samples Rounded(std::span<const float> signal) {
-  Samples samples;
-  for (const float x : signal) {
-    samples.push_back(static_cast<std::int16_t>(std::lround(std::clamp(x, -32000.0F, 32000.0F))));
-  }
+// As by a recorder that starts late and stops at once. A fifth of the speech at most is lost.
+Samples Trimmed(const Passage& passage, Random& random) {
+  const std::int32_t start = passage.words.front().Start();
+  const double most = std::min(0.1 * kSampleRate, 0.2 * (EndOf(passage) - start));
+  const auto lost = static_cast<std::int32_t>(random.Uniform(0.0, most));
+  Samples samples = SamplesBetween(passage, start + lost, EndOf(passage));
+  FadeIn(samples, 0.002);
+  FadeOut(samples, 0.002);
   return samples;
 }
 
-std::vector<float> AnyLength(Random& random) {
-  return std::vector<float>(SamplesOf(random.Uniform(0.6, 4.5)), 0.0F);
-}
-
-// Digital silence, or the faint hiss of an idle input.
-Samples Silence(Random& random) {
-  std::vector<float> signal = AnyLength(random);
-  if (random.Chance(0.7)) AddNoise(signal, random.Uniform(), random.Uniform(0.5, 20.0), random);
-  return Rounded(signal);
-}
-
-// Steady noise, or noise that comes and goes.
-Samples Noise(Random& random) {
-  std::vector<float> signal = AnyLength(random);
-  AddNoise(signal, random.Uniform(), std::pow(10.0, random.Uniform(1.8, 3.8)), random);
-  if (random.Chance(0.5)) {
-    const double rate = random.Uniform(0.5, 6.0);  // Hz
-    for (std::size_t i = 0; i < signal.size(); ++i) {
-      const double turn = 2.0 * std::numbers::pi * rate * static_cast<double>(i) / kSampleRate;
-      signal[i] *= static_cast<float>(0.5 - 0.5 * std::cos(turn));
-    }
+// The words that stand there without some that are said.
+Reading Inserted(const Passage& passage, double share, Random& random) {
+  if (passage.words.size() < 2) throw std::logic_error("one word cannot be one too many");
+  const std::size_t count = std::min(PartOf(passage.words.size(), share), passage.words.size() - 1);
+  const auto places = DrawPlaces(count, passage.words.size(), random);
+  std::vector<std::string> texts = TextsOf(passage.words);
+  for (auto place = places.rbegin(); place != places.rend(); ++place) {
+    texts.erase(texts.begin() + static_cast<std::ptrdiff_t>(*place));
   }
-  return Rounded(signal);
+  return {TextOf(texts), passage.samples,
+          Share(PhonemesAt(passage.words, places), CountPhonemes(passage.words))};
 }
 
-// One to four tones, held or as beeps, over a little noise.
-Samples Tones(Random& random) {
-  std::vector<float> signal = AnyLength(random);
-  const int count = random.Between(1, 4);
-  for (int tone = 0; tone < count; ++tone) {
-    const double hz = 80.0 * std::pow(50.0, random.Uniform());
-    const double size = std::pow(10.0, random.Uniform(2.5, 3.8));
-    const double beeps = random.Chance(0.5) ? random.Uniform(1.0, 8.0) : 0.0;  // a second
-    for (std::size_t i = 0; i < signal.size(); ++i) {
-      const double seconds = static_cast<double>(i) / kSampleRate;
-      if (beeps > 0.0 && std::fmod(seconds * beeps, 1.0) > 0.6) continue;
-      signal[i] += static_cast<float>(size * std::sin(2.0 * std::numbers::pi * hz * seconds));
-    }
+Reading Swapped(const Passage& passage, double share, Random& random) {
+  const Words& words = passage.words;
+  if (words.size() < 2) throw std::logic_error("one word cannot change its place");
+  std::vector<std::string> texts = TextsOf(words);
+  const std::size_t pairs = words.size() / 2;
+  const std::size_t offset = random.Below(words.size() - 2 * pairs + 1);
+  const std::size_t count = std::min(PartOf(words.size(), share), pairs);
+  int exchanged = 0;  // phonemes of both words
+  for (const std::size_t pair : DrawPlaces(count, pairs, random)) {
+    const std::size_t first = offset + 2 * pair;
+    if (texts[first] == texts[first + 1]) continue;
+    std::swap(texts[first], texts[first + 1]);
+    exchanged += CountPhonemes(std::span(words).subspan(first, 2));
   }
-  AddNoise(signal, random.Uniform(), random.Uniform(1.0, 100.0), random);
-  return Rounded(signal);
+  return {TextOf(texts), passage.samples, Share(exchanged, CountPhonemes(words)) / 2.0};
+}
+
+// The recording ends, or begins, where a share of its phonemes is lost.
+Reading Cut(const Passage& passage, bool at_end, double share, Random& random) {
+  std::vector<PhonemeLabel> phonemes;
+  for (const SpokenWord& word : passage.words) {
+    phonemes.insert(phonemes.end(), word.phonemes.begin(), word.phonemes.end());
+  }
+  const std::size_t lost = std::min(PartOf(phonemes.size(), share), phonemes.size() - 1);
+  Reading reading;
+  reading.sentence = TextOf(passage);
+  reading.wrong = Share(static_cast<int>(lost), static_cast<int>(phonemes.size()));
+  if (at_end) {
+    const std::int32_t place = phonemes[phonemes.size() - lost].start;
+    reading.samples = SamplesBetween(passage, 0, place);
+    FadeOut(reading.samples, random.Uniform(0.001, 0.01));
+  } else {
+    reading.samples = SamplesBetween(passage, phonemes[lost].start,
+                                     static_cast<std::int32_t>(passage.samples.size()));
+    FadeIn(reading.samples, random.Uniform(0.001, 0.01));
+  }
+  return reading;
 }
 
 }  // namespace
-
-bool IsReading(ReadingKind kind) {
-  return kind == ReadingKind::kRight || kind == ReadingKind::kRightWithPauses ||
-         kind == ReadingKind::kMispronounced;
-}
 
 std::string_view NameOf(ReadingKind kind) {
   switch (kind) {
@@ -174,143 +176,222 @@ std::string_view NameOf(ReadingKind kind) {
       return "right reading";
     case ReadingKind::kRightWithPauses:
       return "right reading with pauses";
+    case ReadingKind::kTrimmed:
+      return "right reading begun up to 100 ms late";
     case ReadingKind::kMispronounced:
       return "right reading with one phoneme in eight exchanged";
-    case ReadingKind::kOtherSentence:
-      return "unrelated sentence";
-    case ReadingKind::kWordsChanged:
-      return "one third of the words changed";
+    case ReadingKind::kReplaced:
+      return "words replaced";
+    case ReadingKind::kOmitted:
+      return "words left out";
+    case ReadingKind::kInserted:
+      return "words too many";
+    case ReadingKind::kSwapped:
+      return "words swapped";
     case ReadingKind::kCutOff:
-      return "cut off halfway";
+      return "cut off";
+    case ReadingKind::kBegunLate:
+      return "begun late";
     case ReadingKind::kRepeated:
       return "read twice";
     case ReadingKind::kSpeechBefore:
       return "other speech before";
     case ReadingKind::kSpeechAfter:
       return "other speech after";
+    case ReadingKind::kOtherSentence:
+      return "unrelated sentence";
+    case ReadingKind::kOtherLanguage:
+      return "another language";
     case ReadingKind::kSilence:
       return "silence";
     case ReadingKind::kNoise:
       return "noise";
     case ReadingKind::kTones:
       return "tones";
-    case ReadingKind::kOtherLanguage:
-      return "another language";
   }
   return "";
 }
 
-ReadingMaker::ReadingMaker(const CPhonemeSet& set, std::span<const Utterance> utterances,
+bool IsGraded(ReadingKind kind) {
+  return (kind >= ReadingKind::kReplaced && kind <= ReadingKind::kBegunLate) ||
+         kind == ReadingKind::kSpeechBefore || kind == ReadingKind::kSpeechAfter;
+}
+
+Utterance RecordingOf(const Reading& reading, ReadingKind kind, const std::string& voice) {
+  Utterance recording{reading.sentence, voice, {}, reading.samples};
+  if (kind >= ReadingKind::kSilence) return recording;
+  int peak = 0;
+  for (const std::int16_t x : reading.samples) peak = std::max(peak, std::abs(int{x}));
+  const auto is_loud = [peak](std::int16_t x) { return 100 * std::abs(int{x}) > peak; };
+  const auto first = std::ranges::find_if(reading.samples, is_loud);
+  if (first == reading.samples.end()) return recording;
+  const auto last = std::find_if(reading.samples.rbegin(), reading.samples.rend(), is_loud).base();
+  const auto begin = static_cast<std::int32_t>(first - reading.samples.begin());
+  const auto end = static_cast<std::int32_t>(last - reading.samples.begin());
+  if (begin > 0) recording.labels.push_back({'-', 0});
+  recording.labels.push_back({'A', begin});
+  if (last != reading.samples.end()) recording.labels.push_back({'-', end});
+  return recording;
+}
+
+double WantedProbability(double wrong) { return std::exp(-std::pow(wrong / 0.27, 1.5)); }
+
+ReadingMaker::ReadingMaker(const CPhonemeSet& set, const PassageDrawer& drawer,
                            std::span<const Utterance> foreign)
-    : m_set(set), m_utterances(utterances), m_foreign(foreign) {
-  std::set<std::string> words;
-  std::set<std::string> sentences;
-  for (const Utterance& utterance : utterances) {
-    sentences.insert(utterance.text);
-    for (const std::string& word : WordsOf(utterance.text)) {
-      if (!WithoutMarks(word).empty()) words.insert(WithoutMarks(word));
+    : m_set(set), m_drawer(drawer), m_foreign(foreign) {
+  std::map<std::string, int> words;
+  for (const Passage& recording : drawer.Recordings()) {
+    for (const SpokenWord& word : recording.words) {
+      words.try_emplace(word.text, static_cast<int>(word.phonemes.size()));
     }
   }
-  m_words.assign(words.begin(), words.end());
-  if (sentences.size() < 2 || m_words.size() < 2) {
+  for (const auto& [text, phonemes] : words) m_words.push_back({text, phonemes});
+  const auto& first = drawer.Recordings().front();
+  const bool alike = std::ranges::all_of(drawer.Recordings(), [&](const Passage& recording) {
+    return training::TextOf(recording) == training::TextOf(first);
+  });
+  if (alike || m_words.size() < 2) {
     throw std::runtime_error("too few sentences to make wrong readings of");
   }
 }
 
-const Utterance& ReadingMaker::AnotherThan(const Utterance& one, Random& random) const {
+ReadingMaker::Word ReadingMaker::AnotherThan(const std::string& text, Random& random) const {
   for (;;) {
-    const Utterance& other = m_utterances[random.Below(m_utterances.size())];
-    if (other.text != one.text) return other;
+    const Word& word = random.Pick(m_words);
+    if (word.text != text) return word;
   }
 }
 
-std::string ReadingMaker::WithWordsChanged(const std::string& sentence, Random& random) const {
-  std::vector<std::string> words = WordsOf(sentence);
-  std::vector<std::size_t> places(words.size());
-  for (std::size_t i = 0; i < places.size(); ++i) places[i] = i;
-  random.Shuffle(std::span(places));
-  places.resize(std::max<std::size_t>(1, (words.size() + 1) / 3));
-  for (const std::size_t place : places) {
-    const std::string old = WithoutMarks(words[place]);
-    std::string fresh = old;
-    while (fresh == old) fresh = random.Pick(m_words);
-    words[place] = fresh;
+// By the same voice where it has said anything else.
+Passage ReadingMaker::OtherSpeech(const Passage& passage, int words, Random& random) const {
+  constexpr int kTries = 20;
+  const std::string text = training::TextOf(passage);
+  for (int i = 0;; ++i) {
+    Passage other =
+        i < kTries ? m_drawer.DrawBy(passage.voice, words, random) : m_drawer.Draw(words, random);
+    const std::string said = training::TextOf(other);
+    if (text.find(said) == std::string::npos && said.find(text) == std::string::npos) return other;
+    if (i == 50 * kTries) throw std::runtime_error("too few sentences to read another one");
   }
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-  return text;
 }
 
-Samples ReadingMaker::Mispronounced(const Utterance& one, Random& random) const {
+Reading ReadingMaker::Replaced(const Passage& passage, double share, Random& random) const {
+  const auto places = DrawPlaces(PartOf(passage.words.size(), share), passage.words.size(), random);
+  std::vector<std::string> texts = TextsOf(passage.words);
+  for (const std::size_t place : places) texts[place] = AnotherThan(texts[place], random).text;
+  return {TextOf(texts), passage.samples,
+          Share(PhonemesAt(passage.words, places), CountPhonemes(passage.words))};
+}
+
+// More words stand there than are said.
+Reading ReadingMaker::Omitted(const Passage& passage, double share, Random& random) const {
+  const auto said = static_cast<double>(passage.words.size());
+  const double most = std::min(share, 0.8);  // of what stands there
+  const auto count =
+      static_cast<std::size_t>(std::max(1L, std::lround(said * most / (1.0 - most))));
+  std::vector<std::string> texts = TextsOf(passage.words);
+  int phonemes = 0;
+  for (const std::size_t place : DrawPlaces(count, passage.words.size() + count, random)) {
+    const Word word = AnotherThan("", random);
+    texts.insert(texts.begin() + static_cast<std::ptrdiff_t>(std::min(place, texts.size())),
+                 word.text);
+    phonemes += word.phonemes;
+  }
+  return {TextOf(texts), passage.samples, Share(phonemes, CountPhonemes(passage.words) + phonemes)};
+}
+
+Reading ReadingMaker::WithSpeech(const Passage& passage, bool before, double share,
+                                 Random& random) const {
+  const auto own = static_cast<double>(passage.words.size());
+  const double most = std::min(share, 0.7);  // of what is said
+  const auto count = static_cast<int>(std::max(1L, std::lround(own * most / (1.0 - most))));
+  const Passage other = OtherSpeech(passage, count, random);
+  const double gap = random.Uniform(0.0, 0.4);
+  const int phonemes = CountPhonemes(other.words);
+  return {training::TextOf(passage),
+          before ? Joined(other.samples, gap, passage.samples)
+                 : Joined(passage.samples, gap, other.samples),
+          Share(phonemes, phonemes + CountPhonemes(passage.words))};
+}
+
+Samples ReadingMaker::Mispronounced(const Passage& passage, Random& random) const {
   const auto is_vowel = [this](char symbol) { return m_set.IsVowel(static_cast<wchar_t>(symbol)); };
+  const auto end_of = [](const SpokenWord& word, std::size_t phoneme) {
+    return phoneme + 1 < word.phonemes.size() ? word.phonemes[phoneme + 1].start : word.end;
+  };
   Samples out;
-  for (std::size_t i = 0; i < one.labels.size(); ++i) {
-    Samples part = SamplesOfLabel(one, i);
-    const char symbol = one.labels[i].symbol;
-    if (symbol != '-' && random.Chance(1.0 / 8)) {
+  std::int32_t done = 0;
+  for (const SpokenWord& word : passage.words) {
+    for (std::size_t i = 0; i < word.phonemes.size(); ++i) {
+      if (!random.Chance(1.0 / 8)) continue;
+      const char symbol = word.phonemes[i].symbol;
       constexpr int kTries = 100;  // a corpus may lack another phoneme of the kind
       for (int k = 0; k < kTries; ++k) {
-        const Utterance& giver = m_utterances[random.Below(m_utterances.size())];
-        if (giver.labels.empty()) continue;
-        const std::size_t place = random.Below(giver.labels.size());
-        const char other = giver.labels[place].symbol;
-        if (other == '-' || other == symbol || is_vowel(other) != is_vowel(symbol)) continue;
-        part = SamplesOfLabel(giver, place);
-        FadeEnds(part);
+        const Passage& giver = random.Pick(m_drawer.Recordings());
+        const SpokenWord& donor = random.Pick(giver.words);
+        const std::size_t place = random.Below(donor.phonemes.size());
+        const char other = donor.phonemes[place].symbol;
+        if (other == symbol || is_vowel(other) != is_vowel(symbol)) continue;
+        Samples part = SamplesBetween(giver, donor.phonemes[place].start, end_of(donor, place));
+        FadeIn(part, 0.002);
+        FadeOut(part, 0.002);
+        out = Joined(out, 0.0, SamplesBetween(passage, done, word.phonemes[i].start));
+        out.insert(out.end(), part.begin(), part.end());
+        done = end_of(word, i);
         break;
       }
     }
-    out.insert(out.end(), part.begin(), part.end());
   }
-  return out;
+  return Joined(out, 0.0,
+                SamplesBetween(passage, done, static_cast<std::int32_t>(passage.samples.size())));
 }
 
-Reading ReadingMaker::Make(std::size_t number, ReadingKind kind, const AugmentOptions& augment,
-                           Random& random, std::span<const std::int32_t> word_starts) const {
-  const Utterance& one = m_utterances[number];
-  const auto from = [&](Samples samples) {
-    const Utterance clean{
-        .text = one.text, .voice = "", .labels = {}, .samples = std::move(samples)};
-    return Reading{one.text, Augment(clean, augment, random).samples};
-  };
+Reading ReadingMaker::Make(const Passage& passage, ReadingKind kind, double share,
+                           Random& random) const {
+  const std::string text = training::TextOf(passage);
+  const auto count = static_cast<int>(passage.words.size());
+  const double seconds = static_cast<double>(passage.samples.size()) / kSampleRate;
+  const auto about_as_long = [&] { return seconds * random.Uniform(0.6, 1.6); };
   switch (kind) {
     case ReadingKind::kRight:
-      break;
+      return {text, passage.samples, 0.0};
     case ReadingKind::kRightWithPauses:
-      return from(WithPauses(one.samples, word_starts, random));
+      return {text, WithPauses(passage, random), 0.0};
+    case ReadingKind::kTrimmed:
+      return {text, Trimmed(passage, random), 0.0};
     case ReadingKind::kMispronounced:
-      return from(Mispronounced(one, random));
-    case ReadingKind::kOtherSentence:
-      return from(AnotherThan(one, random).samples);
-    case ReadingKind::kWordsChanged: {
-      std::string sentence = WithWordsChanged(one.text, random);
-      return {std::move(sentence), from(one.samples).samples};
-    }
-    case ReadingKind::kCutOff: {
-      const auto [begin, end] = SpeechOf(one);
-      const double share = random.Uniform(0.4, 0.6);
-      return from(CutAt(
-          one.samples, begin + static_cast<std::size_t>(share * static_cast<double>(end - begin))));
-    }
+      return {text, Mispronounced(passage, random), 0.0};
+    case ReadingKind::kReplaced:
+      return Replaced(passage, share, random);
+    case ReadingKind::kOmitted:
+      return Omitted(passage, share, random);
+    case ReadingKind::kInserted:
+      return Inserted(passage, share, random);
+    case ReadingKind::kSwapped:
+      return Swapped(passage, share, random);
+    case ReadingKind::kCutOff:
+    case ReadingKind::kBegunLate:
+      return Cut(passage, kind == ReadingKind::kCutOff, share, random);
     case ReadingKind::kRepeated:
-      return from(Joined(one.samples, random.Uniform(0.0, 0.5), one.samples));
+      return {text, Joined(passage.samples, random.Uniform(0.0, 0.5), passage.samples), 0.5};
     case ReadingKind::kSpeechBefore:
-      return from(
-          Joined(PartOf(AnotherThan(one, random), random), random.Uniform(0.0, 0.4), one.samples));
     case ReadingKind::kSpeechAfter:
-      return from(
-          Joined(one.samples, random.Uniform(0.0, 0.4), PartOf(AnotherThan(one, random), random)));
-    case ReadingKind::kSilence:
-      return {one.text, Silence(random)};
-    case ReadingKind::kNoise:
-      return {one.text, Noise(random)};
-    case ReadingKind::kTones:
-      return {one.text, Tones(random)};
+      return WithSpeech(passage, kind == ReadingKind::kSpeechBefore, share, random);
+    case ReadingKind::kOtherSentence: {
+      const auto words = static_cast<int>(std::lround(count * random.Uniform(0.6, 1.6)));
+      return {text, OtherSpeech(passage, std::max(words, 1), random).samples, 1.0};
+    }
     case ReadingKind::kOtherLanguage:
       if (m_foreign.empty()) throw std::runtime_error("no speech of another language is given");
-      return from(m_foreign[random.Below(m_foreign.size())].samples);
+      return {text, random.Pick(m_foreign).samples, 1.0};
+    case ReadingKind::kSilence:
+      return {text, Silence(about_as_long(), random), 1.0};
+    case ReadingKind::kNoise:
+      return {text, Noise(about_as_long(), random), 1.0};
+    case ReadingKind::kTones:
+      return {text, Tones(about_as_long(), random), 1.0};
   }
-  return from(one.samples);
+  return {};
 }
 
 }  // namespace veral3::training

@@ -1,5 +1,6 @@
 #include "training/measure/ForcedAlignment.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -31,6 +32,8 @@ WordSequence WordsOfLabels(const Utterance& utterance) {
 }
 
 std::optional<AlignmentResult> AlignToLabels(const Utterance& utterance, const CPhonemeSet& set) {
+  const auto unused = std::ranges::find(utterance.labels, kUnused, &PhonemeLabel::symbol);
+  if (unused != utterance.labels.end()) return std::nullopt;
   ViterbiAligner aligner;
   if (aligner.AddSentence(WordsOfLabels(utterance)) < 0) return std::nullopt;
   std::vector<std::int16_t> samples = utterance.samples;

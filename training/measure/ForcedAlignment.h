@@ -13,8 +13,9 @@ namespace veral3::training {
 // word ends at each labelled pause.
 WordSequence WordsOfLabels(const Utterance& utterance);
 
-// Aligns a recording to its own labelled phonemes as the engine would. Nothing when it can't.
-// Several threads may align at once; the frame model must be loaded.
+// Aligns a recording to its own labelled phonemes as the engine would. Nothing when it can't, as
+// with an unused stretch, of which nobody knows the phonemes. Several threads may align at once;
+// the frame model must be loaded.
 std::optional<AlignmentResult> AlignToLabels(const Utterance& utterance, const CPhonemeSet& set);
 
 // The labels that an alignment gives, pauses included.

@@ -1,5 +1,9 @@
 #include "training/measure/PhonemeScores.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include "grading/PhonProbGrader.h"
 #include "recognition/Models.h"
 #include "signal/CWaveFrameDef.h"
 #include "signal/Mfcc.h"
@@ -16,6 +20,14 @@ std::vector<double> PhonemeDistribution(const CPhonemeSet& set, const AlignmentR
   PhonClassifierOf(set.GetIdentifier())
       ->ClassifyPhon(input.data(), static_cast<int>(input.size()), output.data(), set.GetSize());
   return output;
+}
+
+double UnclippedScore(LanguageType language, char phoneme, std::span<const double> distribution) {
+  const auto symbol = static_cast<std::size_t>(PhonemeSetOf(language)->GetPhonemeIndex(phoneme));
+  const double normaliser = PhonemeNormalisersOf(language)[symbol];
+  double x = distribution[symbol];
+  if (normaliser < 1.0) x /= normaliser * normaliser;
+  return 100.0 + 25.0 * std::log10(std::max(x, 1e-12));
 }
 
 char AnotherOfItsKind(const CPhonemeSet& set, char symbol, Random& random) {

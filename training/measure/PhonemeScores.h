@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
+#include "common/LanguageType.h"
 #include "recognition/AlignmentResult.h"
 #include "recognition/CPhonemeSet.h"
 #include "training/common/Random.h"
@@ -14,6 +16,10 @@ namespace veral3::training {
 // language's phoneme model must be loaded.
 std::vector<double> PhonemeDistribution(const CPhonemeSet& set, const AlignmentResult& result,
                                         std::size_t phoneme);
+
+// As grading scores a phoneme, but neither cut off at 0 and 100 nor to whole points, so that scores
+// beyond either end can still be ranked. `distribution`: one probability a symbol of the set.
+double UnclippedScore(LanguageType language, char phoneme, std::span<const double> distribution);
 
 // Another vowel for a vowel, another consonant for a consonant, never a pause.
 char AnotherOfItsKind(const CPhonemeSet& set, char symbol, Random& random);

@@ -77,6 +77,15 @@ double Percentile(std::vector<double> values, double percent) {
   return values[static_cast<std::size_t>(std::max(rank, 0.0))];
 }
 
+double ShareBelow(std::span<const double> values, double bound) {
+  const auto below = std::ranges::count_if(values, [&](double value) { return value < bound; });
+  return Share(static_cast<std::size_t>(below), values.size());
+}
+
+double ShareFrom(std::span<const double> values, double bound) {
+  return values.empty() ? 0.0 : 1.0 - ShareBelow(values, bound);
+}
+
 double AreaUnderCurve(std::span<const double> higher, std::span<const double> lower) {
   if (higher.empty() || lower.empty()) return 0.0;
   std::vector<double> sorted(lower.begin(), lower.end());

@@ -36,6 +36,10 @@ double Median(std::vector<double> values);  // 0 for none
 // none.
 double Percentile(std::vector<double> values, double percent);
 
+// How many of the values lie below `bound`, as a share; 0 for none. ShareFrom: at it or above.
+double ShareBelow(std::span<const double> values, double bound);
+double ShareFrom(std::span<const double> values, double bound);
+
 // Probability that a value of `higher` exceeds one of `lower`, ties counted half: the area under
 // the curve of a test that tells them apart. 0 when either is empty.
 double AreaUnderCurve(std::span<const double> higher, std::span<const double> lower);

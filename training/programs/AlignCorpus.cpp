@@ -33,6 +33,8 @@ ModelFileType FrameModelOf(int language) {
   return static_cast<ModelFileType>(kFrameModelEnglish + language - kLanguageEnglish);
 }
 
+bool IsUnused(const PhonemeLabel& label) { return label.symbol == kUnused; }
+
 void Run(const Options& options) {
   constexpr std::int32_t kFar = kSampleRate / 10;  // 100 ms
   const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
@@ -42,7 +44,15 @@ void Run(const Options& options) {
   }
   std::vector<Utterance> utterances;
   CorpusReader reader(options.corpus);
-  while (auto utterance = reader.Next()) utterances.push_back(*std::move(utterance));
+  while (auto utterance = reader.Next()) {
+    if (std::ranges::any_of(utterance->labels, IsUnused)) {
+      throw std::runtime_error(
+          options.corpus +
+          " has sounds without a phoneme, which cannot be aligned: use it with "
+          "its own times");
+    }
+    utterances.push_back(*std::move(utterance));
+  }
   std::vector<char> good(utterances.size(), 0);
   std::vector<std::vector<int>> moved(utterances.size());
   ParallelFor(utterances.size(), options.threads, [&](std::size_t i) {

@@ -19,14 +19,11 @@
 #include <vector>
 
 #include "common/Messages.h"
-#include "grading/PhonProbGrader.h"
 #include "recognition/CPhonemeSet.h"
 #include "recognition/FrameScores.h"
 #include "recognition/Models.h"
 #include "recognition/VeralDictionary.h"
-#include "recognition/ViterbiAligner.h"
 #include "signal/CWaveFrameDef.h"
-#include "signal/HighPassFilter.h"
 #include "signal/Mfcc.h"
 #include "training/augment/Augment.h"
 #include "training/common/ParallelFor.h"
@@ -36,6 +33,7 @@
 #include "training/measure/ForcedAlignment.h"
 #include "training/measure/PhonemeScores.h"
 #include "training/measure/Scores.h"
+#include "training/measure/SentenceChoice.h"
 
 namespace veral3::training {
 namespace {
@@ -48,7 +46,8 @@ struct Options {
   std::string name = "test";
   int language = kLanguageEnglish;
   int threads = 2;
-  int trials = 80;  // of sentence choice
+  int trials = 80;       // of sentence choice
+  std::size_t most = 0;  // utterances; 0 for all
   std::uint64_t seed = 5;
   bool strong = false;
 };
@@ -58,6 +57,7 @@ class Evaluation {
   Evaluation(const Options& options, const CPhonemeSet& set) : m_options(options), m_set(set) {
     CorpusReader reader(options.corpus);
     while (auto utterance = reader.Next()) {
+      if (options.most > 0 && m_clean.size() == options.most) break;
       Random random(MixSeed(options.seed, m_clean.size()));
       const AugmentOptions augment =
           options.strong ? StrongAugmentation(m_clean.size()) : AugmentOptions{};
@@ -82,6 +82,7 @@ class Evaluation {
       ClassCounts own(m_set.GetSize());
       ClassCounts own_speech(m_set.GetSize());
       for (std::size_t t = 0; t < labels.size(); ++t) {
+        if (labels[t] == kUnusedState) continue;
         const auto sums = PhonemeSums(std::span(scores).subspan(t * columns, columns));
         own.Add(labels[t] / 3, sums);
         if (labels[t] / 3 != m_set.GetPhonemeIndex('-')) own_speech.Add(labels[t] / 3, sums);
@@ -201,31 +202,11 @@ class Evaluation {
     ParallelFor(trials, m_options.threads, [&](std::size_t i) {
       Random random(MixSeed(m_options.seed + 1000, i));
       const Utterance& utterance = m_augmented[i];
-      const int place = random.Between(0, 7);
-      std::vector<std::string> candidates;
-      while (candidates.size() < 8) {
-        std::string text = utterance.text;
-        if (static_cast<int>(candidates.size()) != place) {
-          text = one_word_changed ? texts->WithOneWordChanged(utterance.text, random)
-                                  : texts->Draw(random);
-          if (text == utterance.text || std::ranges::find(candidates, text) != candidates.end()) {
-            continue;
-          }
-        }
-        candidates.push_back(text);
-      }
-      ViterbiAligner aligner;
-      for (const std::string& text : candidates) {
-        WordSequence words;
-        if (dictionary.LookupSentence(CString(text), words) < 0) return;
-        aligner.AddSentence(std::move(words));
-      }
-      std::vector<std::int16_t> samples = utterance.samples;
-      HighPassFilter(samples.data(), static_cast<int>(samples.size()), 80.0, double{kSampleRate});
-      AlignmentResult result;
-      tried[i] = 1;
-      right[i] = aligner.Align(&m_set, static_cast<std::uint32_t>(samples.size()), samples.data(),
-                               result) == place;
+      const Candidates candidates =
+          EightCandidates(*texts, utterance.text, one_word_changed, random);
+      const int chosen = ChooseSentence(m_set, dictionary, candidates, utterance.samples);
+      tried[i] = chosen != kRefusedSentence;
+      right[i] = chosen == candidates.right;
     });
     std::printf("%s | right sentence of 8, %s%s | %td of %td\n", m_options.name.c_str(),
                 one_word_changed ? "one word changed" : "unrelated",
@@ -234,14 +215,9 @@ class Evaluation {
   }
 
  private:
-  // As grading scores a phoneme, but not cut off at 0 and 100.
   double Score(const AlignmentResult& result, std::size_t phoneme) const {
-    const auto symbol = static_cast<std::size_t>(m_set.GetPhonemeIndex(result.phonemes[phoneme]));
-    double x = PhonemeDistribution(m_set, result, phoneme)[symbol];
-    const double normaliser =
-        PhonemeNormalisersOf(static_cast<LanguageType>(m_options.language))[symbol];
-    if (normaliser < 1.0) x /= normaliser * normaliser;
-    return 100.0 + 25.0 * std::log10(std::max(x, 1e-12));
+    return UnclippedScore(static_cast<LanguageType>(m_options.language), result.phonemes[phoneme],
+                          PhonemeDistribution(m_set, result, phoneme));
   }
 
   std::vector<double> PhonemeSums(std::span<const double> states) const {
@@ -317,6 +293,7 @@ int main(int argc, char** argv) {
   app.add_option("--name", options.name, "what the lines printed begin with");
   app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
   app.add_option("--threads", options.threads, "threads to work on");
+  app.add_option("--most", options.most, "utterances at most; 0 for all");
   app.add_option("--trials", options.trials, "recordings for the choice of sentences");
   app.add_flag("--strong", options.strong, "augment beyond what training had");
   CLI11_PARSE(app, argc, argv);

@@ -42,7 +42,9 @@ std::vector<ToneExample> ExamplesOf(const Utterance& utterance, const Options& o
   augment.warp_low = 0.7;  // pitch moves with the length
   augment.warp_high = 1.3;
   const bool noisy = random.Chance(options.noisy);
-  const ToneTrack track = ToneTrackOf(noisy ? Augment(utterance, augment, random) : utterance);
+  const Utterance recorded = noisy ? Augment(utterance, augment, random) : utterance;
+  ToneTrack track = ToneTrackOf(recorded);
+  track.lost = FallBelowTracker(DeepTrackOf(recorded));
   std::vector<ToneExample> examples = ToneExamplesOf(track, utterance.spoken_tones);
   for (int copy = 0; copy < options.copies; ++copy) {
     const auto warped = ToneExamplesOf(WarpTrack(track, random), utterance.spoken_tones);

@@ -44,7 +44,7 @@ EventTable::EventTable(std::vector<EventReading> readings) : m_readings(std::mov
   std::ranges::sort(m_readings, {}, &EventReading::name);
   const auto twice = std::ranges::adjacent_find(m_readings, {}, &EventReading::name);
   if (twice != m_readings.end()) {
-    throw std::runtime_error("event [" + std::string(twice->name) + "] stands twice in its table");
+    throw std::runtime_error("event [" + twice->name + "] stands twice in its table");
   }
 }
 

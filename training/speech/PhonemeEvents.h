@@ -21,8 +21,12 @@ struct PhonemeEvent {
   std::int32_t start;  // samples
 };
 
+// The symbols of an event that is near no phoneme of the set.
+inline constexpr std::string_view kUnusedSymbols = "?";
+static_assert(kUnusedSymbols[0] == kUnused);
+
 struct EventReading {
-  std::string_view name;     // of the event
+  std::string name;          // of the event
   std::string_view symbols;  // "" extends the phoneme before, "-" is a pause
 };
 

@@ -1,10 +1,12 @@
-# English: frame and phoneme classifier. Sourced by training/make-models.
+# English: frame and phoneme classifier. Sourced by training/make-models and training/leave-one-out.
 #
-# First espeak-ng alone, with the boundaries of phonemes moved at random; then all voices, whose times
-# the first model aligns.
+# First espeak-ng alone, with the boundaries of phonemes moved at random; then all voices. The first
+# model aligns the English recorded ones, whose own times follow other conventions.
 
 dictionary=resources/KEN-UTF8Order.txt
+source training/stages/frame.sh
 source training/stages/phoneme.sh
+source training/stages/voices.sh
 
 espeak_corpora() {
   local jobs=() i
@@ -12,35 +14,40 @@ espeak_corpora() {
     jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 10$i --out $work/a$i.corpus")
   done
   for i in 1 2 3 4 5 6 7 8; do
-    jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 20$i --out $work/b$i.corpus")
-    jobs+=("$bin/make-corpus --words $dictionary --count 1000 --seed 60$i --out $work/c$i.corpus")
+    jobs+=("$bin/make-corpus --words $dictionary --evenness 0.5 --count 1000 --seed 20$i \
+      --out $work/b$i.corpus")
   done
   jobs+=("$bin/make-corpus --held-out --count 400 --seed 901 --out $work/held.corpus")
   both "${jobs[@]}"
 }
 
-flite_voices="kal16 awb rms slt"
+english_voices="flite-kal16 flite-awb flite-rms flite-slt festival-ked festival-kal"
 
 other_corpora() {
-  local jobs=() voice seed=300
-  for voice in $flite_voices; do
+  local jobs=() voice speaker seed=300
+  for voice in $english_voices; do
     seed=$((seed + 1))
-    jobs+=("$bin/make-corpus --words $dictionary --flite $voice --count 1000 --seed $seed \
-      --out $work/flite-$voice.raw")
+    speaker="--${voice%-*} ${voice#*-}"
+    if [[ $voice == festival-* ]]; then speaker+=_diphone; fi
+    jobs+=("$bin/make-corpus --words $dictionary $speaker --evenness 0.5 --count 1200 \
+      --seed $seed --out $work/$voice.raw")
+  done
+  for voice in kal16 awb rms slt; do
+    seed=$((seed + 1))
     jobs+=("$bin/make-corpus --held-out --flite $voice --count 120 --seed 91$seed \
       --out $work/held-$voice.raw")
   done
-  jobs+=("$bin/make-corpus --words $dictionary --festival ked_diphone --count 1000 --seed 310 \
-    --out $work/festival-ked.raw")
   both "${jobs[@]}"
+  voices_foreign_corpora en 1000 $voices_foreign
 }
 
+# Twice plainly for the first round, once widely degraded for the others.
 espeak_features() {
-  $bin/make-features --corpus "$work"/a[1-6].corpus --copies 2 --seed 11 --out "$work/a.features"
+  $bin/make-features --corpus "$work"/a[1-6].corpus --seed 11 --out "$work/a.features"
   $bin/make-features --corpus "$work"/b[1-8].corpus --warp-low 0.74 --seed 12 \
     --out "$work/b.features"
-  $bin/make-features --corpus "$work"/c[1-8].corpus --warp-low 0.74 --seed 14 \
-    --out "$work/c.features"
+  $bin/make-features --corpus "$work"/[ab][1-8].corpus --degrade --pieces 0.3 --paragraphs 0.1 \
+    --warp-low 0.74 --seed 14 --out "$work/wide.features"
   $bin/make-features --corpus "$work/held.corpus" --seed 91 --out "$work/held.features"
 }
 
@@ -52,50 +59,74 @@ frame_first() {
     --out "$work/frame-first.net" --model "$work/frame-first.model"
 }
 
-# The other synthesisers' own phone times follow other conventions: the first model aligns them.
 align_others() {
   local jobs=() voice
-  for voice in $flite_voices; do
-    jobs+=("$bin/align-corpus --threads 1 --model $work/frame-first.model --corpus $work/flite-$voice.raw \
-      --out $work/flite-$voice.corpus")
-    jobs+=("$bin/align-corpus --threads 1 --model $work/frame-first.model --corpus $work/held-$voice.raw \
-      --out $work/held-$voice.corpus")
+  for voice in $english_voices held-kal16 held-awb held-rms held-slt; do
+    jobs+=("$bin/align-corpus --threads 1 --model $work/frame-first.model --corpus $work/$voice.raw \
+      --out $work/$voice.corpus")
   done
-  jobs+=("$bin/align-corpus --threads 1 --model $work/frame-first.model --corpus $work/festival-ked.raw \
-    --out $work/festival-ked.corpus")
   both "${jobs[@]}"
-  local name
-  for name in flite-kal16 flite-awb flite-rms flite-slt festival-ked; do
-    $bin/make-features --corpus "$work/$name.corpus" --warp-low 0.8 --seed 13 \
-      --out "$work/$name.features"
+}
+
+# A few voices stand for all people: each speaks through virtual speakers as well, whole, in pieces and
+# in paragraphs.
+other_features() {
+  local voice seed=30
+  for voice in $english_voices; do
+    seed=$((seed + 1))
+    $bin/make-features --corpus "$work/$voice.corpus" --degrade --morph 3 --pieces 0.5 \
+      --paragraphs 0.1 --warp-low 0.74 --seed $seed --out "$work/$voice.features"
+  done
+  for voice in $voices_foreign; do
+    seed=$((seed + 1))
+    $bin/make-features --corpus "$work/$voice.corpus" --degrade --morph 1 --pieces 0.3 \
+      --warp-low 0.74 --seed $seed --out "$work/$voice.features"
   done
 }
 
-all_features() {
-  echo "$work"/{a,b,flite-awb,flite-kal16,flite-rms,flite-slt,festival-ked}.features
+# files VOICE...: their features.
+files() {
+  local voice
+  for voice in "$@"; do echo "$work/$voice.features"; done
 }
 
-# All voices, boundaries where they are.
+# What the networks learn from besides the first round, a word each, shares before them.
+frame_features() {
+  echo 0.45 $(files a b wide) 0.42 $(files $english_voices) 0.13 $(files $voices_foreign)
+}
+phoneme_features() {
+  echo 0.40 $(files a b wide) 0.45 $(files $english_voices) 0.15 $(files $voices_foreign)
+}
+
+# english_frame EPOCHS FOLDER MODEL FEATURES...: all voices, boundaries where they are.
+english_frame() {
+  local epochs=$1
+  shift
+  frame_rounds 1 "$epochs" "$work/frame-first.net" "$@"
+}
+
 frame_second() {
-  $bin/train-network --kind frame --start "$work/frame-first.net" --threads $threads \
-    --features $(all_features) --test "$work/held.features" --epochs 7 --batch 512 --rate 1.5e-3 \
-    --jitter 0 --dropout 0 --sparsity 0.03 --seed 2 --out "$work/frame.net" \
-    --model resources/EnglishFrame.model --version 1
+  english_frame 9 "$work" resources/EnglishFrame.model $(frame_features)
 }
-
-# A frame has thousands of neighbours like it, a phoneme is one example: this network needs more
-# sentences than the other.
+phoneme_4() { phoneme_teacher 1 4 1200000 "$work" $(phoneme_features); }
+phoneme_5() { phoneme_teacher 1 5 1200000 "$work" $(phoneme_features); }
 phoneme() {
-  phoneme_rounds 1 English $(all_features) "$work/c.features"
+  phoneme_student 1 1200000 "$work" resources/EnglishPhon.model $(phoneme_features)
 }
 
 models="EnglishFrame EnglishPhon"
 
-en_stages() {
+en_speech() {
   stage espeak-corpora espeak_corpora
   stage other-corpora other_corpora
   stage espeak-features espeak_features
   stage frame-first frame_first
   stage align-others align_others
-  beside frame-second frame_second phoneme phoneme
+  stage other-features other_features
+}
+en_frames() { stage frame-second frame_second; }
+en_phonemes() {
+  stage phoneme-4 phoneme_4
+  stage phoneme-5 phoneme_5
+  stage phoneme phoneme
 }

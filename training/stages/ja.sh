@@ -5,8 +5,9 @@ models="JapaneseFrame JapanesePhon"
 
 source training/stages/one-synthesiser.sh
 
-ja_stages() {
+ja_speech() {
   stage corpora one_corpora ja 20 400 901
   stage features one_features 3 12 91
-  beside frame "one_frame 3 Japanese" phoneme "one_phoneme 3 Japanese"
 }
+ja_frames() { stage frame one_frame 3 Japanese; }
+ja_phonemes() { one_phonemes 3 Japanese; }

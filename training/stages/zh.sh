@@ -7,9 +7,12 @@ models="ChineseFrame ChinesePhon ChineseTone"
 source training/stages/one-synthesiser.sh
 source training/stages/zh-tone.sh
 
-zh_stages() {
+zh_speech() {
   stage corpora one_corpora zh 40 300 902
   stage features one_features 2 22 92
-  beside frame "one_frame 2 Chinese" phoneme "one_phoneme 2 Chinese"
+}
+zh_frames() {
+  stage frame one_frame 2 Chinese
   tone_stages
 }
+zh_phonemes() { one_phonemes 2 Chinese; }

@@ -14,7 +14,9 @@ FrameSource::FrameSource(const CPhonemeSet& set, std::span<const FeatureFile> fi
   for (const FeatureFile& file : files) {
     for (const FeatureUtterance& utterance : file.Utterances()) {
       const float* rows = file.FramesOf(utterance).data();
+      const std::vector<std::uint8_t> labels = LabelsOf(utterance, {});
       for (int t = 0; t < utterance.num_frames; ++t) {
+        if (labels[static_cast<std::size_t>(t)] == kUnusedState) continue;
         m_frames.push_back({rows + t * kMfccSize, static_cast<std::uint8_t>(std::min(t, 2)),
                             static_cast<std::uint8_t>(std::min(utterance.num_frames - 1 - t, 2))});
       }
@@ -26,10 +28,17 @@ FrameSource::FrameSource(const CPhonemeSet& set, std::span<const FeatureFile> fi
   m_labels.resize(m_frames.size());
 }
 
+std::vector<std::uint8_t> FrameSource::LabelsOf(const FeatureUtterance& utterance,
+                                                std::span<const int> shifts) const {
+  std::vector<std::uint8_t> labels(static_cast<std::size_t>(utterance.num_frames));
+  StateLabels(utterance.segments, utterance.num_frames, m_set.GetPhonemeIndex('-'), shifts, labels);
+  return labels;
+}
+
 int FrameSource::NumInputs() const { return kFrameInputSize; }
 
 void FrameSource::BeginEpoch(Random& random) {
-  std::span<std::uint8_t> labels = m_labels;
+  auto next = m_labels.begin();
   std::vector<int> shifts;
   for (const FeatureFile& file : m_files) {
     for (const FeatureUtterance& utterance : file.Utterances()) {
@@ -39,9 +48,7 @@ void FrameSource::BeginEpoch(Random& random) {
           shifts.push_back(random.Between(-m_jitter, m_jitter));
         }
       }
-      StateLabels(utterance.segments, utterance.num_frames, m_set.GetPhonemeIndex('-'), shifts,
-                  labels);
-      labels = labels.subspan(static_cast<std::size_t>(utterance.num_frames));
+      next = std::ranges::remove_copy(LabelsOf(utterance, shifts), next, kUnusedState).out;
     }
   }
 }

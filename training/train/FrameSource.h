@@ -9,8 +9,9 @@
 namespace veral3::training {
 
 // Examples for a frame classifier: every frame of the given feature files with two frames on either
-// side, classed by phoneme state. Phoneme boundaries are moved anew by up to `jitter` frames for
-// every epoch, so that nothing is learned of where exactly a synthesiser puts them.
+// side, classed by phoneme state; those of unused segments are heard beside others only. Phoneme
+// boundaries are moved anew by up to `jitter` frames for every epoch, so that nothing is learned of
+// where exactly a synthesiser puts them.
 class FrameSource final : public ExampleSource {
  public:
   // The files must outlive the source.
@@ -31,6 +32,10 @@ class FrameSource final : public ExampleSource {
     std::uint8_t before;  // frames that exist before and after it, at most 2
     std::uint8_t after;
   };
+
+  // Of all frames of an utterance; StateLabels has `shifts`.
+  std::vector<std::uint8_t> LabelsOf(const FeatureUtterance& utterance,
+                                     std::span<const int> shifts) const;
 
   const CPhonemeSet& m_set;
   std::span<const FeatureFile> m_files;

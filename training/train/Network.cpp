@@ -67,6 +67,15 @@ Network FoldScaling(const Network& network) {
   return folded;
 }
 
+Network WithTemperature(const Network& network, double temperature) {
+  if (!(temperature > 0.0)) throw std::runtime_error("a temperature must be above 0");
+  Network result = network;
+  DenseLayer& last = result.layers.back();
+  for (float& weight : last.weights) weight = static_cast<float>(double{weight} / temperature);
+  for (float& bias : last.bias) bias = static_cast<float>(double{bias} / temperature);
+  return result;
+}
+
 void ExportModel(const Network& network, std::int32_t version, const std::filesystem::path& path) {
   if (version <= 0) throw std::runtime_error("a model's version must be positive");
   const Network folded = FoldScaling(network);

@@ -33,6 +33,10 @@ DenseLayer RandomLayer(int inputs, int outputs, Random& random);
 // The same function with the scaling moved into the first layer: mean 0, deviation 1.
 Network FoldScaling(const Network& network);
 
+// The network with what its softmax is given divided by `temperature` (above 0): above 1 it is less
+// sure of itself, below 1 surer, and what it takes for likeliest stays (Guo et al. 2017).
+Network WithTemperature(const Network& network, double temperature);
+
 // Writes the engine's binary model file, scaling folded in. `version` must be positive. Throws
 // std::runtime_error when the file cannot be written.
 void ExportModel(const Network& network, std::int32_t version, const std::filesystem::path& path);

@@ -23,6 +23,7 @@ PhonemeSource::PhonemeSource(const CPhonemeSet& set, std::span<const FeatureFile
     for (const FeatureUtterance& utterance : file.Utterances()) {
       const std::span<const float> mfcc = file.FramesOf(utterance);
       for (std::size_t i = 0; i < utterance.segments.size(); ++i) {
+        if (utterance.segments[i].phoneme == kUnusedPhoneme) continue;
         const int first = utterance.segments[i].first_frame;
         const int end = i + 1 < utterance.segments.size() ? utterance.segments[i + 1].first_frame
                                                           : utterance.num_frames;

@@ -18,8 +18,8 @@ inline constexpr std::array<int, 16> kPhonemeOffsets = {0, 1,  2,  3,  4,  5,  6
 // of 39 values an offset, zeros at and beyond `end`.
 void AssemblePhonemeInput(std::span<const float> mfcc, int first, int end, std::span<float> input);
 
-// Examples for a phoneme classifier: every phoneme and every pause of the given feature files.
-// Boundaries are moved anew by up to `jitter` frames for every epoch.
+// Examples for a phoneme classifier: every phoneme and every pause of the given feature files,
+// unused segments left out. Boundaries are moved anew by up to `jitter` frames for every epoch.
 class PhonemeSource final : public ExampleSource {
  public:
   // The files must outlive the source.

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <numbers>
-#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -30,9 +29,10 @@ struct Layers {
   }
 
   // Scores before the softmax. `magnitude`, where given, gains the mean of the hidden activations.
-  Tensor Forward(Tensor x, double dropout, Tensor* magnitude) {
+  Tensor Forward(Tensor x, double dropout, Tensor* magnitude) const {
     for (std::size_t i = 0; i < linear.size(); ++i) {
-      x = linear[i]->forward(x);
+      torch::nn::Linear layer = linear[i];  // shares the weights; libtorch's forward is not const
+      x = layer->forward(x);
       if (i + 1 == linear.size()) break;
       x = torch::relu(x);
       if (magnitude != nullptr) *magnitude = *magnitude + x.mean();
@@ -104,6 +104,11 @@ ClassTables MakeTables(const TrainOptions& options, int columns) {
   return tables;
 }
 
+// The weights that an example's own stand for, smoothed over all columns.
+Tensor SmoothedWeights(const Tensor& weights, double smoothing) {
+  return weights * (1.0 - smoothing) + smoothing / static_cast<double>(weights.size(1));
+}
+
 double RateAt(double progress, double highest) {
   constexpr double kRise = 0.2;
   if (progress < kRise) return highest * (0.1 + 0.9 * progress / kRise);
@@ -122,6 +127,56 @@ void Scale(const Network& network, std::span<float> rows) {
   }
 }
 
+// A network ready to classify rows that are not scaled.
+class Classifier {
+ public:
+  explicit Classifier(const Network& network)
+      : m_layers(LayersOf(FoldScaling(network))), m_inputs(network.NumInputs()) {}
+
+  Tensor Probabilities(std::span<const float> rows) const {
+    const torch::NoGradGuard no_grad;
+    const auto count = static_cast<std::int64_t>(rows.size()) / m_inputs;
+    const Tensor x = torch::from_blob(const_cast<float*>(rows.data()), {count, m_inputs});
+    return torch::softmax(m_layers.Forward(x, 0.0, nullptr), 1);
+  }
+
+ private:
+  Layers m_layers;
+  std::int64_t m_inputs;
+};
+
+std::vector<Classifier> TeachersOf(const TrainOptions& options, const Network& network) {
+  std::vector<Classifier> teachers;
+  for (const Network& teacher : options.teachers) {
+    if (teacher.NumInputs() != network.NumInputs() ||
+        teacher.NumOutputs() != network.NumOutputs()) {
+      throw std::runtime_error("a teacher has other inputs or classes");
+    }
+    if (!options.heads.empty()) throw std::runtime_error("several heads have no teachers");
+    teachers.emplace_back(teacher);
+  }
+  if (options.teaching > 0.0 && teachers.empty()) throw std::runtime_error("there is no teacher");
+  return teachers;
+}
+
+// The probabilities that are wanted of a batch: those that are known, mixed with what the teachers
+// say on average.
+Tensor WithTeachers(const Tensor& known, double teaching, std::span<const Classifier> teachers,
+                    std::span<const float> rows) {
+  if (teaching == 0.0) return known;
+  Tensor wanted = known * (1.0 - teaching);
+  const double each = teaching / static_cast<double>(teachers.size());
+  for (const Classifier& teacher : teachers) wanted = wanted + teacher.Probabilities(rows) * each;
+  return wanted;
+}
+
+Deck DeckOf(const TrainOptions& options, std::size_t num_examples) {
+  std::vector<ExampleGroup> groups = options.groups;
+  if (groups.empty()) groups.push_back({0, static_cast<std::uint32_t>(num_examples), 1.0});
+  const bool sized = !options.groups.empty() && options.epoch_size > 0;
+  return {groups, sized ? options.epoch_size : num_examples};
+}
+
 }  // namespace
 
 Network Train(const TrainOptions& options, ExampleSource& source,
@@ -134,17 +189,24 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   if (network.NumInputs() != source.NumInputs() || network.NumOutputs() != source.NumClasses()) {
     throw std::runtime_error("the network to start from has other inputs or classes");
   }
+  if (source.HasWeights() && !options.heads.empty()) {
+    throw std::runtime_error("weights of classes and columns by language exclude each other");
+  }
   Layers layers = LayersOf(network);
   torch::optim::Adam adam(layers.Parameters(), torch::optim::AdamOptions(options.rate));
 
   const ClassTables tables = MakeTables(options, network.NumOutputs());
-  std::vector<std::uint32_t> order(source.NumExamples());
-  std::iota(order.begin(), order.end(), 0u);
+  const std::vector<Classifier> teachers = TeachersOf(options, network);
+  Deck deck = DeckOf(options, source.NumExamples());
+  std::vector<std::uint32_t> order = deck.Deal(random);
   const auto batch = std::min(static_cast<std::size_t>(options.batch), order.size());
   const std::size_t steps_an_epoch = order.size() / batch;
   const auto inputs = static_cast<std::size_t>(source.NumInputs());
   const Tensor rows = torch::empty({static_cast<std::int64_t>(batch), source.NumInputs()});
   const Tensor classes = torch::empty({static_cast<std::int64_t>(batch)}, torch::kInt64);
+  const Tensor weights = torch::empty({static_cast<std::int64_t>(batch), source.NumClasses()});
+  const std::span<float> weight_values(weights.data_ptr<float>(),
+                                       static_cast<std::size_t>(weights.numel()));
   const std::span<float> row_values(rows.data_ptr<float>(), batch * inputs);
   const std::span<std::int64_t> class_values(classes.data_ptr<std::int64_t>(), batch);
 
@@ -155,8 +217,10 @@ Network Train(const TrainOptions& options, ExampleSource& source,
   const auto steps = static_cast<double>(steps_an_epoch) * options.epochs;
   double step = 0.0;
   for (int epoch = 0; epoch < options.epochs; ++epoch) {
-    if (epoch > 0) source.BeginEpoch(random);
-    random.Shuffle(std::span(order));
+    if (epoch > 0) {
+      source.BeginEpoch(random);
+      order = deck.Deal(random);
+    }
     double loss_sum = 0.0;
     double right = 0.0;
     for (std::size_t k = 0; k < steps_an_epoch; ++k, step += 1.0) {
@@ -165,12 +229,17 @@ Network Train(const TrainOptions& options, ExampleSource& source,
         static_cast<torch::optim::AdamOptions&>(group.options()).lr(rate);
       }
       source.Fill(std::span(order).subspan(k * batch, batch), row_values, class_values);
+      if (source.HasWeights()) {
+        source.FillWeights(std::span(order).subspan(k * batch, batch), weight_values);
+      }
+      const Tensor known = source.HasWeights() ? SmoothedWeights(weights, options.smoothing)
+                                               : tables.wanted.index_select(0, classes);
+      const Tensor wanted = WithTeachers(known, options.teaching, teachers, row_values);
       Scale(network, row_values);
       Tensor magnitude = torch::zeros({});
       const Tensor scores = layers.Forward(rows, options.dropout, &magnitude);
       const Tensor open = scores + tables.closed.index_select(0, classes);
-      Tensor loss =
-          -(tables.wanted.index_select(0, classes) * torch::log_softmax(open, 1)).sum(1).mean();
+      Tensor loss = -(wanted * torch::log_softmax(open, 1)).sum(1).mean();
       loss_sum += loss.item<double>();
       right += open.detach().argmax(1).eq(classes).sum().item<double>();
       if (options.sparsity > 0.0) loss = loss + options.sparsity * magnitude;
@@ -189,14 +258,7 @@ Network Train(const TrainOptions& options, ExampleSource& source,
 }
 
 std::vector<float> Classify(const Network& network, std::span<const float> inputs) {
-  const torch::NoGradGuard no_grad;
-  const auto columns = static_cast<std::size_t>(network.NumInputs());
-  std::vector<float> scaled(inputs.begin(), inputs.end());
-  Scale(network, scaled);
-  const Tensor rows = torch::from_blob(
-      scaled.data(), {static_cast<std::int64_t>(scaled.size() / columns), network.NumInputs()});
-  const Tensor scores =
-      torch::softmax(LayersOf(network).Forward(rows, 0.0, nullptr), 1).contiguous();
+  const Tensor scores = Classifier(network).Probabilities(inputs).contiguous();
   return {scores.data_ptr<float>(), scores.data_ptr<float>() + scores.numel()};
 }
 

@@ -7,12 +7,14 @@
 #include <vector>
 
 #include "training/common/Random.h"
+#include "training/train/Deck.h"
 #include "training/train/Network.h"
 
 // Training of fully connected classifiers. The only file that knows libtorch is Trainer.cpp.
 namespace veral3::training {
 
-// Where examples come from: rows of inputs as the engine would give them, each with a class.
+// Where examples come from: rows of inputs as the engine would give them, each with a class, or
+// with weights of all classes where none is the whole truth.
 class ExampleSource {
  public:
   virtual ~ExampleSource() = default;
@@ -24,6 +26,11 @@ class ExampleSource {
   // Inputs (rows) and classes of the given examples.
   virtual void Fill(std::span<const std::uint32_t> examples, std::span<float> inputs,
                     std::span<std::int64_t> classes) const = 0;
+  // Whether FillWeights has more to say than the classes; then the classes only count.
+  virtual bool HasWeights() const { return false; }
+  // Weights (rows, one a class, 1 together) of the given examples; nothing without HasWeights.
+  virtual void FillWeights(std::span<const std::uint32_t> /*examples*/,
+                           std::span<float> /*weights*/) const {}
 };
 
 // Output columns that compete among themselves: those of one language in a network of several.
@@ -38,9 +45,18 @@ struct TrainOptions {
   int epochs = 6;
   double rate = 2e-3;  // highest learning rate of the cycle
   double dropout = 0.1;
-  double smoothing = 0.02;  // of the labels
-  double sparsity = 0.0;    // weight of the mean magnitude of the hidden activations in the loss
-  std::vector<Head> heads;  // one after another; none is all columns together
+  // Of the labels, spread evenly over the columns. What is spread never leaves a class, whatever is
+  // heard, and the scores of rare phonemes live on less: 0 for anything that is scored.
+  double smoothing = 0.0;
+  double sparsity = 0.0;  // weight of the mean magnitude of the hidden activations in the loss
+  // What the teachers, on average, make of an example counts this much, its class the rest (Hinton,
+  // Vinyals and Dean 2015).
+  double teaching = 0.0;
+  std::vector<Network> teachers;  // of the same inputs and classes; none with several heads
+  // Which examples come how often; none is each once an epoch.
+  std::vector<ExampleGroup> groups;
+  std::size_t epoch_size = 0;  // examples an epoch where there are groups; 0: as many as there are
+  std::vector<Head> heads;     // one after another; none is all columns together
   std::uint64_t seed = 1;
   int threads = 2;
 };

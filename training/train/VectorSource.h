@@ -22,11 +22,15 @@ class VectorSource final : public ExampleSource {
   void BeginEpoch(Random& random) override;
   void Fill(std::span<const std::uint32_t> examples, std::span<float> inputs,
             std::span<std::int64_t> classes) const override;
+  bool HasWeights() const override { return true; }
+  void FillWeights(std::span<const std::uint32_t> examples,
+                   std::span<float> weights) const override;
 
  private:
   struct Example {
     std::span<const float> row;
-    int example_class;
+    std::span<const float> weights;
+    int example_class;  // of the greatest weight
   };
 
   std::span<const VectorFile> m_files;

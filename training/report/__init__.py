@@ -1,0 +1,1 @@
+"""What training/evaluate printed, as pages: see training/quality_report.py."""
