@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "common/MessageWriter.h"
 #include "grading/Scores.h"
 #include "recognition/CPhonemeSet.h"
+#include "recognition/Languages.h"
 
 namespace {
 
@@ -75,18 +77,12 @@ std::span<const double> PhonemeNormalisersOf(LanguageType language) {
 }
 
 const PhonProbGrader* PhonProbGraderOf(LanguageType language) {
-  static const PhonProbGrader english(kLanguageEnglish);
-  static const PhonProbGrader chinese(kLanguageChinese);
-  static const PhonProbGrader japanese(kLanguageJapanese);
-  switch (language) {
-    case kLanguageEnglish:
-      return &english;
-    case kLanguageChinese:
-      return &chinese;
-    case kLanguageJapanese:
-      return &japanese;
+  static const auto graders = []<std::size_t... kPlace>(std::index_sequence<kPlace...>) {
+    return std::array{PhonProbGrader(Languages()[kPlace].language)...};
   }
-  return nullptr;
+  (std::make_index_sequence<kNumLanguages>());
+  const LanguageRow* const row = FindLanguage(language);
+  return row == nullptr ? nullptr : &graders[PlaceOf(*row)];
 }
 
 }  // namespace veral3

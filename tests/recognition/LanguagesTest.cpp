@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -154,6 +155,29 @@ TEST(Languages, TheirFilesAreThoseOfTheResources) {
       EXPECT_TRUE(std::filesystem::exists(folder / row.tone_model->file));
     }
   }
+}
+
+std::string OutputOf(const std::string& command) {
+  std::string text;
+  std::FILE* const pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return "cannot run " + command;
+  char buffer[256];
+  while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) text += buffer;
+  return pclose(pipe) == 0 ? text : "failed";
+}
+
+// The training scripts' view of the table.
+TEST(Languages, ScriptsReadTheSameTable) {
+  std::string wanted;
+  for (const LanguageRow& row : Languages()) {
+    const std::string line = std::string(row.code) + " " + std::to_string(row.language) + " " +
+                             row.name + " " + row.dictionary + " " + row.frame_model.file + " " +
+                             row.phoneme_model.file + "\n";
+    EXPECT_EQ(OutputOf(VERAL3_SOURCE_DIR "/training/languages " + std::string(row.code)), line);
+    wanted += line;
+  }
+  EXPECT_EQ(OutputOf(VERAL3_SOURCE_DIR "/training/languages"), wanted);
+  EXPECT_EQ(OutputOf(VERAL3_SOURCE_DIR "/training/languages ko 2>/dev/null"), "failed");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "core/AnalyzedAudio.h"
 #include "recognition/Dictionaries.h"
 #include "recognition/ModelFileType.h"
+#include "training/common/LanguageName.h"
 #include "training/corpus/CorpusFile.h"
 
 namespace veral3::training {
@@ -29,34 +30,23 @@ void Load(const std::filesystem::path& path, int type) {
 
 }  // namespace
 
-std::string NameOfLanguage(LanguageType language) {
-  switch (language) {
-    case kLanguageEnglish:
-      return "English";
-    case kLanguageChinese:
-      return "Chinese";
-    case kLanguageJapanese:
-      return "Japanese";
-  }
-  throw std::runtime_error("no such language");
-}
+std::string NameOfLanguage(LanguageType language) { return RowOf(language).name; }
 
 void LoadEngine(LanguageType language, const EngineFiles& files) {
   SetMessageHandler([](MessageStream, std::string_view) {});
   const std::filesystem::path folder = std::filesystem::path(files.resources) / "";
-  const std::string name = NameOfLanguage(language);
+  const LanguageRow& row = RowOf(language);
   AnalyzedAudio::LoadResourceInFolderPath(folder.c_str());
   const auto dictionary = DictionaryOf(language);
   if (!dictionary || dictionary->GetWordCount() == 0) {
-    throw std::runtime_error("no " + name + " dictionary in " + folder.string());
+    throw std::runtime_error("no " + std::string(row.name) + " dictionary in " + folder.string());
   }
-  const int number = language - kLanguageEnglish;
   const auto either = [&](const std::string& own, const std::string& usual) {
     return own.empty() ? folder / usual : std::filesystem::path(own);
   };
-  Load(either(files.frame_model, name + "Frame.model"), kFrameModelEnglish + number);
-  Load(either(files.phoneme_model, name + "Phon.model"), kPhonemeModelEnglish + number);
-  if (language == kLanguageChinese) LoadIfThere(folder / "ChineseTone.model", kToneModelChinese);
+  Load(either(files.frame_model, row.frame_model.file), row.frame_model.type);
+  Load(either(files.phoneme_model, row.phoneme_model.file), row.phoneme_model.type);
+  if (row.tone_model) LoadIfThere(folder / row.tone_model->file, row.tone_model->type);
   if (files.goodness) Load(either(files.goodness_model, "UttGoodness.model"), kUttGoodnessModel);
 }
 

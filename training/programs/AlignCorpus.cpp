@@ -17,6 +17,7 @@
 #include "training/common/ParallelFor.h"
 #include "training/corpus/CorpusFile.h"
 #include "training/measure/ForcedAlignment.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -25,21 +26,17 @@ struct Options {
   std::string model;
   std::string corpus;
   std::string out;
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 2;
 };
-
-ModelFileType FrameModelOf(int language) {
-  return static_cast<ModelFileType>(kFrameModelEnglish + language - kLanguageEnglish);
-}
 
 bool IsUnused(const PhonemeLabel& label) { return label.symbol == kUnused; }
 
 void Run(const Options& options) {
   constexpr std::int32_t kFar = kSampleRate / 10;  // 100 ms
-  const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
+  const CPhonemeSet* set = PhonemeSetOf(options.language);
   if (set == nullptr) throw std::runtime_error("no such language");
-  if (LoadModelFile(options.model.c_str(), FrameModelOf(options.language)) < 0) {
+  if (LoadModelFile(options.model.c_str(), RowOf(options.language).frame_model.type) < 0) {
     throw std::runtime_error("cannot load " + options.model);
   }
   std::vector<Utterance> utterances;
@@ -95,7 +92,7 @@ int main(int argc, char** argv) {
   app.add_option("--model", options.model, "frame model")->required();
   app.add_option("--corpus", options.corpus, "corpus to read")->required();
   app.add_option("--out", options.out, "corpus to write")->required();
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--threads", options.threads, "threads to work on");
   CLI11_PARSE(app, argc, argv);
   try {

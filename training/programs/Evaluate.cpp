@@ -34,6 +34,7 @@
 #include "training/measure/PhonemeScores.h"
 #include "training/measure/Scores.h"
 #include "training/measure/SentenceChoice.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -44,7 +45,7 @@ struct Options {
   std::string dictionary;
   std::string corpus;
   std::string name = "test";
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 2;
   int trials = 80;       // of sentence choice
   std::size_t most = 0;  // utterances; 0 for all
@@ -194,8 +195,7 @@ class Evaluation {
   // Which of eight sentences was read: the right one and seven others.
   void SentenceChoice(bool one_word_changed) const {
     const VeralDictionary dictionary(m_options.dictionary.c_str());
-    const auto texts =
-        HeldOutTextsOf(static_cast<LanguageType>(m_options.language), m_options.dictionary);
+    const auto texts = HeldOutTextsOf(m_options.language, m_options.dictionary);
     const auto trials = std::min(static_cast<std::size_t>(m_options.trials), m_augmented.size());
     std::vector<char> right(trials, 0);
     std::vector<char> tried(trials, 0);
@@ -216,7 +216,7 @@ class Evaluation {
 
  private:
   double Score(const AlignmentResult& result, std::size_t phoneme) const {
-    return UnclippedScore(static_cast<LanguageType>(m_options.language), result.phonemes[phoneme],
+    return UnclippedScore(m_options.language, result.phonemes[phoneme],
                           PhonemeDistribution(m_set, result, phoneme));
   }
 
@@ -248,10 +248,10 @@ class Evaluation {
 
 void Run(const Options& options) {
   SetMessageHandler([](MessageStream, std::string_view) {});
-  const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
+  const CPhonemeSet* set = PhonemeSetOf(options.language);
   if (set == nullptr) throw std::runtime_error("no such language");
-  const int type = kFrameModelEnglish + options.language - kLanguageEnglish;
-  if (LoadModelFile(options.frame_model.c_str(), static_cast<ModelFileType>(type)) < 0) {
+  const LanguageRow& row = RowOf(options.language);
+  if (LoadModelFile(options.frame_model.c_str(), row.frame_model.type) < 0) {
     throw std::runtime_error("cannot load " + options.frame_model);
   }
   const Evaluation evaluation(options, *set);
@@ -262,9 +262,7 @@ void Run(const Options& options) {
     evaluation.Boundaries();
   }
   if (!options.phoneme_model.empty()) {
-    const int phoneme_type = kPhonemeModelEnglish + options.language - kLanguageEnglish;
-    if (LoadModelFile(options.phoneme_model.c_str(), static_cast<ModelFileType>(phoneme_type)) <
-        0) {
+    if (LoadModelFile(options.phoneme_model.c_str(), row.phoneme_model.type) < 0) {
       throw std::runtime_error("cannot load " + options.phoneme_model);
     }
     evaluation.ClassifiedPhonemes(true);
@@ -291,7 +289,7 @@ int main(int argc, char** argv) {
   app.add_option("--dictionary", options.dictionary, "dictionary for the choice of sentences");
   app.add_option("--corpus", options.corpus, "held-out corpus")->required();
   app.add_option("--name", options.name, "what the lines printed begin with");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances at most; 0 for all");
   app.add_option("--trials", options.trials, "recordings for the choice of sentences");

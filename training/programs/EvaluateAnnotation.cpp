@@ -22,6 +22,7 @@
 #include "training/common/ParallelFor.h"
 #include "training/engine/Engine.h"
 #include "training/measure/EditDistance.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -30,7 +31,7 @@ struct Options {
   std::vector<std::string> corpora;
   EngineFiles engine{.resources = "resources/", .goodness = false};
   std::string name = "test";
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 1;
   std::size_t most = 0;
   std::uint64_t seed = 8;
@@ -67,7 +68,7 @@ void Measure(const Options& options, const std::vector<Utterance>& utterances, b
         augmented ? Augment(utterances[i], AugmentOptions{}, random) : utterances[i];
     AnnotatedAudio audio;
     if (audio.LoadAndAnnotate(utterance.samples.size(), utterance.samples.data(),
-                              static_cast<LanguageType>(options.language)) != 0) {
+                              options.language) != 0) {
       throw std::runtime_error("cannot annotate \"" + utterance.text + "\"");
     }
     const std::string truth = PhonemesOf(utterance);
@@ -84,7 +85,7 @@ void Measure(const Options& options, const std::vector<Utterance>& utterances, b
 }
 
 void Run(const Options& options) {
-  LoadEngine(static_cast<LanguageType>(options.language), options.engine);
+  LoadEngine(options.language, options.engine);
   const std::vector<Utterance> utterances = ReadCorpora(options.corpora, options.most);
   Measure(options, utterances, false);
   Measure(options, utterances, true);
@@ -98,7 +99,7 @@ int main(int argc, char** argv) {
   CLI::App app("Measures annotation without a sentence on voices that training never had.");
   app.add_option("--corpus", options.corpora, "held-out corpora")->required();
   app.add_option("--name", options.name, "what the lines printed begin with");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--resources", options.engine.resources, "folder of dictionaries and models");
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");

@@ -24,6 +24,7 @@
 #include "training/measure/PhonemeScores.h"
 #include "training/measure/Scores.h"
 #include "training/measure/SentenceChoice.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -34,7 +35,7 @@ struct Options {
   std::string dictionary;
   EngineFiles engine;
   std::string name = "test";
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 2;
   std::size_t most = 80;
   std::uint64_t seed = 14;
@@ -52,7 +53,7 @@ class ConditionEvaluation {
  public:
   explicit ConditionEvaluation(const Options& options)
       : m_options(options),
-        m_language(static_cast<LanguageType>(options.language)),
+        m_language(options.language),
         m_set(*PhonemeSetOf(m_language)),
         m_texts(HeldOutTextsOf(m_language, options.dictionary)),
         m_utterances(ReadCorpora(options.corpora, options.most)),
@@ -117,7 +118,7 @@ class ConditionEvaluation {
 };
 
 void Run(const Options& options) {
-  LoadEngine(static_cast<LanguageType>(options.language), options.engine);
+  LoadEngine(options.language, options.engine);
   const ConditionEvaluation evaluation(options);
   for (const Condition condition : kConditions) evaluation.Report(condition);
 }
@@ -133,7 +134,7 @@ int main(int argc, char** argv) {
   app.add_option("--dictionary", options.dictionary, "dictionary for the choice of sentences")
       ->required();
   app.add_option("--name", options.name, "what the lines printed begin with");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   AddEngineOptions(app, options.engine);
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");

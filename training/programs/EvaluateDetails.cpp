@@ -23,6 +23,7 @@
 #include "training/measure/ForcedAlignment.h"
 #include "training/measure/PhonemeScores.h"
 #include "training/measure/Scores.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -31,7 +32,7 @@ struct Options {
   std::vector<std::string> corpora;
   EngineFiles engine{.resources = "resources/", .goodness = false};
   std::string name = "test";
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 1;
   std::size_t most = 0;
   std::size_t pairs = 15;
@@ -160,7 +161,7 @@ class Report {
 };
 
 void Run(const Options& options) {
-  const auto language = static_cast<LanguageType>(options.language);
+  const auto language = options.language;
   LoadEngine(language, options.engine);
   const CPhonemeSet& set = *PhonemeSetOf(language);
   const PhonProbGrader grader(language);
@@ -184,7 +185,7 @@ int main(int argc, char** argv) {
   CLI::App app("Shows what stands behind the figures: confusions, calibration, single voices.");
   app.add_option("--corpus", options.corpora, "held-out corpora")->required();
   app.add_option("--name", options.name, "what the lines printed begin with");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--resources", options.engine.resources, "folder of dictionaries and models");
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");

@@ -27,6 +27,7 @@
 #include "training/goodness/Judgement.h"
 #include "training/goodness/Readings.h"
 #include "training/measure/Scores.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -38,7 +39,7 @@ struct Options {
   std::string name = "test";
   std::string vectors;
   std::vector<std::string> only;
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 1;
   int count = 100;
   std::size_t most = 0;
@@ -186,7 +187,7 @@ class Evaluation {
  public:
   explicit Evaluation(const Options& options)
       : m_options(options),
-        m_language(static_cast<LanguageType>(options.language)),
+        m_language(options.language),
         m_utterances(ReadCorpora(options.corpora, options.most)),
         m_recordings(PassagesOf(m_language, m_utterances, options.threads)),
         m_foreign(ReadCorpora(options.foreign, 400)),
@@ -290,7 +291,7 @@ int main(int argc, char** argv) {
   app.add_option("--corpus", options.corpora, "held-out corpora")->required();
   app.add_option("--foreign", options.foreign, "held-out corpora of other languages");
   app.add_option("--name", options.name, "what the lines printed begin with");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--resources", options.engine.resources, "folder of dictionaries and models");
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");
@@ -301,7 +302,7 @@ int main(int argc, char** argv) {
                  "keep the features here, the number of the line as class");
   CLI11_PARSE(app, argc, argv);
   try {
-    const auto language = static_cast<LanguageType>(options.language);
+    const auto language = options.language;
     veral3::training::LoadEngine(language, options.engine);
     veral3::training::Evaluation(options).Run();
   } catch (const std::exception& error) {

@@ -18,13 +18,14 @@
 #include "training/grading/SenseGrades.h"
 #include "training/grading/SenseReadings.h"
 #include "training/measure/Scores.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
 
 struct Options {
   EngineFiles engine{.resources = "resources/", .goodness = false};
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
 };
 
 enum class Component { kPronunciation, kPitch, kTiming, kIntensity, kTotal };
@@ -126,7 +127,7 @@ class Report {
 };
 
 void Run(const Options& options) {
-  const auto language = static_cast<LanguageType>(options.language);
+  const auto language = options.language;
   LoadEngine(language, options.engine);
   LoadCertainGoodness();
   EspeakSpeech espeak;
@@ -173,7 +174,7 @@ void Run(const Options& options) {
 int main(int argc, char** argv) {
   veral3::training::Options options;
   CLI::App app("Grades synthesised readings with known faults.");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--resources", options.engine.resources, "folder of dictionaries and models");
   CLI11_PARSE(app, argc, argv);
   try {

@@ -27,6 +27,7 @@
 #include "training/measure/PhonemeScores.h"
 #include "training/measure/Scores.h"
 #include "training/measure/WordEnds.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -36,7 +37,7 @@ struct Options {
   std::vector<std::string> rare;
   EngineFiles engine{.resources = "resources/", .goodness = false};
   std::string name = "test";
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int threads = 2;
   std::size_t most = 0;
   std::size_t each = 4;           // of every pair of phonemes
@@ -57,7 +58,7 @@ class PhonemeEvaluation {
  public:
   explicit PhonemeEvaluation(const Options& options)
       : m_options(options),
-        m_language(static_cast<LanguageType>(options.language)),
+        m_language(options.language),
         m_set(*PhonemeSetOf(m_language)),
         m_grader(*PhonProbGraderOf(m_language)),
         m_utterances(ReadCorpora(options.corpora, options.most)),
@@ -217,7 +218,7 @@ class PhonemeEvaluation {
 };
 
 void Run(const Options& options) {
-  LoadEngine(static_cast<LanguageType>(options.language), options.engine);
+  LoadEngine(options.language, options.engine);
   const PhonemeEvaluation evaluation(options);
   evaluation.RightPhonemes();
   evaluation.LearnersErrors();
@@ -234,7 +235,7 @@ int main(int argc, char** argv) {
   app.add_option("--rare", options.rare,
                  "corpora of rare sounds, for errors and expected phonemes alone");
   app.add_option("--name", options.name, "what the lines printed begin with");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   AddEngineOptions(app, options.engine);
   app.add_option("--threads", options.threads, "threads to work on");
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");

@@ -25,6 +25,7 @@
 #include "training/corpus/EnglishVoices.h"
 #include "training/corpus/RecordedVoices.h"
 #include "training/corpus/SentenceSpeaker.h"
+#include "training/programs/LanguageOption.h"
 #include "training/speech/EnglishEvents.h"
 #include "training/speech/EspeakSpeech.h"
 #include "training/speech/FestivalSpeech.h"
@@ -36,7 +37,7 @@ namespace {
 
 struct Options {
   SpeakerOptions speaker;
-  std::string language = "en";
+  LanguageType language = kLanguageEnglish;
   std::string out;
   int count = 0;
   std::uint64_t seed = 1;
@@ -44,15 +45,8 @@ struct Options {
   std::string festival;  // voice; empty for espeak-ng
 };
 
-LanguageType LanguageOf(const Options& options) {
-  if (options.language == "en") return kLanguageEnglish;
-  if (options.language == "zh") return kLanguageChinese;
-  if (options.language == "ja") return kLanguageJapanese;
-  throw std::runtime_error("no such language: " + options.language);
-}
-
 std::unique_ptr<SentenceSpeaker> SpeakerOf(const Options& options) {
-  switch (LanguageOf(options)) {
+  switch (options.language) {
     case kLanguageChinese:
       return MakeChineseSpeaker(options.speaker);
     case kLanguageJapanese:
@@ -90,7 +84,7 @@ Utterance LabelledRecording(const RecordedVoice& voice, LanguageType language, s
 // The same for a recorded voice. English sentences are balanced by how espeak-ng says them.
 template <typename Write>
 void SpeakWithRecorded(const Options& options, const Write& write) {
-  const LanguageType language = LanguageOf(options);
+  const LanguageType language = options.language;
   const RecordedVoice& voice = options.flite.empty()
                                    ? RecordedVoiceOf(Synthesiser::kFestival, options.festival)
                                    : RecordedVoiceOf(Synthesiser::kFlite, options.flite);
@@ -152,7 +146,7 @@ void Run(const Options& options) {
 int main(int argc, char** argv) {
   veral3::training::Options options;
   CLI::App app("Speaks sentences with espeak-ng and writes them with phoneme times.");
-  app.add_option("--language", options.language, "en, zh or ja");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--words", options.speaker.words, "dictionary whose words fill sentences");
   app.add_option("--out", options.out, "corpus to write")->required();
   app.add_option("--count", options.count, "utterances")->required();

@@ -35,6 +35,7 @@
 #include "training/engine/Engine.h"
 #include "training/features/FeatureFile.h"
 #include "training/features/UtteranceFeatures.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -49,7 +50,7 @@ struct Options {
   double pieces = 0.0;
   double paragraphs = 0.0;
   int threads = 2;
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   std::uint64_t seed = 1;
   bool clean = false;
   bool degrade = false;
@@ -65,7 +66,7 @@ std::vector<Utterance> ReadBabblers(const Options& options) {
 }
 
 std::shared_ptr<const VeralDictionary> LoadDictionary(const Options& options) {
-  const auto language = static_cast<LanguageType>(options.language);
+  const auto language = options.language;
   SetMessageHandler([](MessageStream, std::string_view) {});  // words that it lacks are counted
   LoadDictionaries((std::filesystem::path(options.resources) / "").c_str());
   auto dictionary = DictionaryOf(language);
@@ -142,7 +143,7 @@ class Maker {
 
 void Run(const Options& options) {
   constexpr std::size_t kChunk = 128;  // recordings worked on together, and joined to paragraphs
-  const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
+  const CPhonemeSet* set = PhonemeSetOf(options.language);
   if (set == nullptr) throw std::runtime_error("no such language");
   Maker maker(options, *set);
   FeatureWriter writer(options.out);
@@ -199,7 +200,7 @@ int main(int argc, char** argv) {
   app.add_option("--out", options.out, "folder to write")->required();
   app.add_option("--copies", options.copies, "augmented copies of each utterance");
   app.add_option("--threads", options.threads, "threads to work on");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--seed", options.seed, "a different one, different augmentations");
   app.add_option("--warp-low", options.warp_low, "shortest length factor");
   app.add_option("--warp-high", options.warp_high, "longest length factor");

@@ -26,6 +26,7 @@
 #include "training/features/VectorFile.h"
 #include "training/goodness/Judgement.h"
 #include "training/goodness/Readings.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -35,7 +36,7 @@ struct Options {
   std::vector<std::string> foreign;
   std::string out;
   EngineFiles engine{.resources = "resources/", .goodness = false};
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int count = 0;
   std::size_t most = 0;
   int threads = 1;
@@ -147,7 +148,7 @@ void Report(const Options& options, std::span<const Example> examples, std::size
 }
 
 void Run(const Options& options) {
-  const auto language = static_cast<LanguageType>(options.language);
+  const auto language = options.language;
   LoadEngine(language, options.engine);
   std::vector<Utterance> utterances = ReadCorpora(options.corpora, options.most);
   const std::vector<Passage> recordings = PassagesOf(language, utterances, options.threads);
@@ -189,7 +190,7 @@ int main(int argc, char** argv) {
   app.add_option("--out", options.out, "file of examples to write")->required();
   app.add_option("--count", options.count, "examples")->required();
   app.add_option("--most", options.most, "utterances of each corpus at most; 0 for all");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--resources", options.engine.resources, "folder of dictionaries and models");
   app.add_option("--seed", options.seed, "a different one, different examples");
   app.add_option("--threads", options.threads, "threads to work on");

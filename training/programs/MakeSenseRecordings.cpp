@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "recognition/Languages.h"
 #include "signal/CWaveFrameDef.h"
 #include "training/grading/SenseReadings.h"
 
@@ -76,9 +77,9 @@ void Run(const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder);
   EspeakSpeech espeak;
   nlohmann::ordered_json all = nlohmann::ordered_json::array();
-  WriteLanguage(kLanguageEnglish, "en", folder, espeak, all);
-  WriteLanguage(kLanguageChinese, "zh", folder, espeak, all);
-  WriteLanguage(kLanguageJapanese, "ja", folder, espeak, all);
+  for (const LanguageRow& row : Languages()) {
+    WriteLanguage(row.language, row.code, folder, espeak, all);
+  }
   std::ofstream file(folder / "readings.json");
   file << all.dump(1) << "\n";
   if (!file) throw std::runtime_error("cannot write into " + folder.string());

@@ -1,6 +1,6 @@
 // Makes a corpus of your own recordings, labelled by forced alignment with the model at hand:
 //
-//   read-recordings --lang en --folder recordings --out work/own.corpus --held-out work/test.corpus
+//   read-recordings --language en --folder recordings --out work/own.corpus --held-out work/test.corpus
 //
 // The folder holds pairs NAME.wav and NAME.txt, or is a Kaldi data folder
 // (training/corpus/RecordingFolder.h). Texts are prepared as the veral3 command does it. What does
@@ -33,6 +33,7 @@
 #include "training/corpus/CorpusFile.h"
 #include "training/corpus/RecordingFolder.h"
 #include "training/measure/ForcedAlignment.h"
+#include "training/programs/LanguageOption.h"
 
 namespace veral3::training {
 namespace {
@@ -43,7 +44,7 @@ struct Options {
   std::string model;
   std::string out;
   std::string held_out;
-  std::string language = "en";
+  LanguageType language = kLanguageEnglish;
   double held_out_share = 0.1;
 };
 
@@ -137,19 +138,12 @@ std::vector<bool> HeldOut(const std::vector<FolderEntry>& entries, double share)
 }
 
 void Run(const Options& options) {
-  const LanguageRow* const row = FindLanguage(options.language);
-  if (row == nullptr) {
-    throw std::runtime_error("no language is called " + options.language + "; there are " +
-                             LanguageCodes(", "));
-  }
-  const LanguageType language = row->language;
+  const LanguageType language = options.language;
   const CPhonemeSet* set = PhonemeSetOf(language);
   if (const auto loaded = tools::LoadDictionary(options.resources, language); !loaded) {
     throw std::runtime_error(loaded.Error());
   }
-  const int type =
-      static_cast<int>(kFrameModelEnglish) + static_cast<int>(language) - kLanguageEnglish;
-  if (LoadModelFile(options.model.c_str(), static_cast<ModelFileType>(type)) < 0) {
+  if (LoadModelFile(options.model.c_str(), RowOf(language).frame_model.type) < 0) {
     throw std::runtime_error("cannot load " + options.model);
   }
   RecordingFolder folder = ReadRecordingFolder(options.folder);
@@ -194,8 +188,7 @@ int main(int argc, char** argv) {
   CLI::App app("Makes a corpus of recordings and their texts.");
   app.add_option("--folder", options.folder, "pairs of NAME.wav and NAME.txt, or Kaldi's")
       ->required();
-  app.add_option("--lang", options.language, "en, zh or ja")
-      ->check(CLI::IsMember({"en", "zh", "ja"}));
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--resources", options.resources, "folder of the dictionaries");
   app.add_option("--model", options.model, "frame model to align with")->required();
   app.add_option("--out", options.out, "corpus to write")->required();

@@ -1,10 +1,10 @@
 // Trains classifiers of several languages at once: one trunk of hidden layers, a head for each.
 //
-//   train-joint --kind frame --train 1:work/en/a.features --train 2:work/zh/b.features
+//   train-joint --kind frame --train en:work/en/a.features --train zh:work/zh/b.features
 //       --train 3:work/ja/b.features --test 2:work/zh/held.features --epochs 4
 //       --out work/joint.net --model 2:resources/ChineseFrame.model
 //
-// Languages are numbers: 1 English, 2 Chinese, 3 Japanese. The checkpoint has the heads side by
+// Languages are codes (en, zh, ja) or their numbers. The checkpoint has the heads side by
 // side in that order.
 
 #include <CLI/CLI.hpp>
@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
+#include "training/common/LanguageName.h"
 #include "training/programs/TrainingOptions.h"
 #include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
@@ -44,22 +45,21 @@ struct Options {
 };
 
 struct Named {
-  int language;
+  LanguageType language;
   std::string path;
 };
 
 Named Parse(const std::string& text) {
-  if (text.size() < 3 || text[0] < '1' || text[0] > '3' || text[1] != ':') {
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos || colon + 1 == text.size()) {
     throw std::runtime_error("\"" + text + "\" is not LANGUAGE:PATH");
   }
-  return {text[0] - '0', text.substr(2)};
+  return {LanguageNamed(text.substr(0, colon)).language, text.substr(colon + 1)};
 }
 
-const CPhonemeSet& SetOf(int language) {
-  return *PhonemeSetOf(static_cast<LanguageType>(language));
-}
+const CPhonemeSet& SetOf(LanguageType language) { return *RowOf(language).phonemes; }
 
-using Files = std::map<int, std::vector<FeatureFile>>;  // by language, ascending
+using Files = std::map<LanguageType, std::vector<FeatureFile>>;  // by language, ascending
 
 Files OpenAll(const std::vector<std::string>& features) {
   Files files;
@@ -70,18 +70,18 @@ Files OpenAll(const std::vector<std::string>& features) {
   return files;
 }
 
-std::unique_ptr<ExampleSource> SourceOf(const std::string& kind, int language,
+std::unique_ptr<ExampleSource> SourceOf(const std::string& kind, LanguageType language,
                                         const std::vector<FeatureFile>& files, int jitter) {
   if (kind == "frame") return std::make_unique<FrameSource>(SetOf(language), files, jitter);
   return std::make_unique<PhonemeSource>(SetOf(language), files, jitter);
 }
 
 // Prints how many examples of a language have their phoneme most probable.
-void Measure(const Network& network, const std::string& kind, int language,
+void Measure(const Network& network, const std::string& kind, LanguageType language,
              const std::vector<FeatureFile>& files) {
   const auto source = SourceOf(kind, language, files, 0);
   const std::size_t states = kind == "frame" ? 3 : 1;
-  PrintCounts(("test, language " + std::to_string(language)).c_str(),
+  PrintCounts(("test, language " + std::to_string(static_cast<int>(language))).c_str(),
               CountClasses(network, *source, states, SetOf(language).GetPhonemeIndex('-')));
 }
 
@@ -92,7 +92,7 @@ void Run(const Options& options) {
     sources.push_back(SourceOf(options.kind, language, own, options.jitter));
   }
   JointSource source(std::move(sources));
-  std::map<int, Head> heads;
+  std::map<LanguageType, Head> heads;
   for (const auto& entry : files) heads[entry.first] = source.Heads()[heads.size()];
   std::printf("%zu examples\n", source.NumExamples());
 

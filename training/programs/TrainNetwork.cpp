@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "recognition/CPhonemeSet.h"
+#include "training/programs/LanguageOption.h"
 #include "training/programs/TrainingOptions.h"
 #include "training/train/Counting.h"
 #include "training/train/FrameSource.h"
@@ -42,7 +43,7 @@ struct Options {
   std::string out;
   std::string model;
   int version = 1;
-  int language = kLanguageEnglish;
+  LanguageType language = kLanguageEnglish;
   int jitter = 2;
   double at_least = 0.0;     // accuracy below which the program fails
   double temperature = 1.0;  // of the model file
@@ -161,15 +162,14 @@ Network StartFrom(const std::string& path, ExampleSource& source, std::uint64_t 
 Network Exported(const Options& options, const Network& network, Examples& examples) {
   if (!options.as_scored) return network;
   const std::vector<double> learnt = ClassShares(examples.Source(), examples.Groups());
-  return WithPriors(network, learnt,
-                    ScoredShares(static_cast<LanguageType>(options.language), learnt));
+  return WithPriors(network, learnt, ScoredShares(options.language, learnt));
 }
 
 void Run(const Options& options) {
   if (options.as_scored && options.kind != "phoneme") {
     throw std::runtime_error("only phonemes are scored");
   }
-  const CPhonemeSet* set = PhonemeSetOf(static_cast<LanguageType>(options.language));
+  const CPhonemeSet* set = PhonemeSetOf(options.language);
   if (set == nullptr) throw std::runtime_error("no such language");
   Examples examples(options.kind, *set, options.features, options.jitter);
   std::printf("%zu examples\n", examples.Source().NumExamples());
@@ -220,7 +220,7 @@ int main(int argc, char** argv) {
                  "what the model file's softmax is given is divided by this");
   app.add_flag("--as-scored", options.as_scored,
                "the model file takes phonemes to be as frequent as their scores do");
-  app.add_option("--language", options.language, "1 English, 2 Chinese, 3 Japanese");
+  veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--jitter", options.jitter, "frames by which boundaries are moved at random");
   veral3::training::AddTrainingOptions(app, options.train);
   CLI11_PARSE(app, argc, argv);

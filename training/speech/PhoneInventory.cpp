@@ -6,10 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "training/common/LanguageName.h"
 namespace veral3::training {
 namespace {
-
-constexpr std::array kLanguages = {kLanguageEnglish, kLanguageChinese, kLanguageJapanese};
 
 std::string_view SymbolsIn(LanguageType language, const PhoneReading& reading) {
   switch (language) {
@@ -84,15 +83,13 @@ PhoneInventory::PhoneInventory(std::vector<PhoneReading> readings,
                                std::optional<LanguageType> native)
     : m_readings(std::move(readings)) {
   std::ranges::sort(m_readings, {}, &PhoneReading::name);
-  for (const LanguageType language : kLanguages) {
-    m_tables.push_back(TableIn(language, m_readings, native));
+  for (const LanguageRow& row : Languages()) {
+    m_tables.push_back(TableIn(row.language, m_readings, native));
   }
 }
 
 const EventTable& PhoneInventory::TableOf(LanguageType language) const {
-  const auto place = std::ranges::find(kLanguages, language);
-  if (place == kLanguages.end()) throw std::runtime_error("no such language");
-  return m_tables[static_cast<std::size_t>(place - kLanguages.begin())];
+  return m_tables[PlaceOf(RowOf(language))];
 }
 
 PhoneKind PhoneInventory::KindOf(std::string_view name) const {

@@ -5,32 +5,25 @@
 
 goodness_work() { echo "$root/$1"; }
 
-goodness_language() {  # number, name, dictionary
-  case $1 in
-    en) echo "1 English resources/KEN-UTF8Order.txt" ;;
-    zh) echo "2 Chinese resources/KCN-UTF8Order.txt" ;;
-    ja) echo "3 Japanese resources/KJP-UTF8Order.txt" ;;
-  esac
+goodness_languages() {  # those that have models
+  local language number name dictionary frame phoneme
+  while read -r language number name dictionary frame phoneme; do
+    if [ -f "resources/$frame" ] && [ -f "resources/$phoneme" ]; then echo "$language"; fi
+  done < <(training/languages)
 }
 
-goodness_languages() {  # those that have models
-  local language number name dictionary
-  for language in en zh ja; do
-    read -r number name dictionary <<< "$(goodness_language $language)"
-    if [ -f "resources/${name}Frame.model" ] && [ -f "resources/${name}Phon.model" ]; then
-      echo $language
-    fi
-  done
-}
+goodness_all() { training/languages | cut -d' ' -f1; }
+
+goodness_dictionary() { echo "resources/$(training/languages "$1" | cut -d' ' -f4)"; }
 
 # Sentences of their own, spoken by the voices of training. English ones have common words only: how
 # espeak-ng says a rare name is seldom what the dictionary has, so it would be no right reading. Of
 # flite awb alone speaks: the others stay out, to be measured on.
 goodness_corpora() {
   local jobs=() language words i
-  for language in en zh ja; do
+  for language in $(goodness_all); do
     mkdir -p "$(goodness_work $language)"
-    words=$(goodness_language $language | cut -d' ' -f3)
+    words=$(goodness_dictionary "$language")
     if [ $language = en ]; then words=; fi
     for i in 1 2 3; do
       jobs+=("$bin/make-corpus --language $language ${words:+--words $words} --count 800 \
@@ -44,14 +37,13 @@ goodness_corpora() {
 
 # The 16 features of 8,000 recordings in a language.
 goodness_features() {
-  local language=$1 other number name dictionary corpora foreign=()
-  read -r number name dictionary <<< "$(goodness_language "$language")"
+  local language=$1 other corpora foreign=()
   corpora=("$(goodness_work "$language")"/goodness[1-3].corpus)
   if [ "$language" = en ]; then corpora+=("$(goodness_work en)/goodness-awb.raw"); fi
-  for other in en zh ja; do
+  for other in $(goodness_all); do
     if [ $other != "$language" ]; then foreign+=("$(goodness_work $other)/goodness1.corpus"); fi
   done
-  "$bin/make-goodness-features" --language "$number" --corpus "${corpora[@]}" \
+  "$bin/make-goodness-features" --language "$language" --corpus "${corpora[@]}" \
     --foreign "${foreign[@]}" --count 8000 --seed 31 --threads 2 \
     --out "$(goodness_work "$language")/goodness.vectors"
 }

@@ -5,13 +5,7 @@
 #   rare-VOICE                       sentences full of rare sounds
 #   held-virtual                     the held-out sentences of a language, each by a virtual speaker
 
-dictionary_of() {
-  case $1 in
-    en) echo resources/KEN-UTF8Order.txt ;;
-    zh) echo resources/KCN-UTF8Order.txt ;;
-    ja) echo resources/KJP-UTF8Order.txt ;;
-  esac
-}
+dictionary_of() { echo "resources/$(training/languages "$1" | cut -d' ' -f4)"; }
 
 # The synthesiser and voice of a name, as arguments of make-corpus.
 speaker_of() {
