@@ -13,3 +13,4 @@
 #include "storage/AnnotatedAudio.h"
 #include "storage/HLYFile.h"
 #include "storage/SavedAlignedAudio.h"
+#include "text/PrepareSentence.h"

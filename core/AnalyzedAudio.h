@@ -69,13 +69,15 @@ class VERAL3_API AnalyzedAudio : public AlignedAudio {
   // the first use of a model with an activation code that there is none of ends the process.
   static int LoadModelFile(const char* path, ModelFileType type);
 
-  // Adds a candidate sentence. Returns the number of sentences so far (1 to 8); -1 when there are
-  // 8 already; -101 for a text that begins with a bar and a blank, -200 and -300 for a bad inline
-  // pronunciation or an unknown inline segment, -400 for bad inline digits, -500 for more than 256
-  // words; -1 also when memory runs out. A word that the dictionary lacks is reported and passed
-  // over. Whether what is read is too long for the aligner, too, shows in Align. Silent are -101,
-  // -300, an inline pronunciation (-200) that is malformed behind a good beginning, and inline
-  // digits (-400) without the blank that they begin with.
+  // Adds a candidate sentence. Chinese and Japanese come with blanks between the words of the
+  // dictionary: veral3::PrepareSentence (text/PrepareSentence.h) makes them of text as people write
+  // it, and tells which words are unknown. Returns the number of sentences so far (1 to 8); -1 when
+  // there are 8 already; -101 for a text that begins with a bar and a blank, -200 and -300 for a
+  // bad inline pronunciation or an unknown inline segment, -400 for bad inline digits, -500 for
+  // more than 256 words; -1 also when memory runs out. A word that the dictionary lacks is reported
+  // and passed over. Whether what is read is too long for the aligner, too, shows in Align. Silent
+  // are -101, -300, an inline pronunciation (-200) that is malformed behind a good beginning, and
+  // inline digits (-400) without the blank that they begin with.
   int AddPossibleSentence(CString sentence);
 
   // Finds the sentence that was read and where each of its phonemes lies. The samples are

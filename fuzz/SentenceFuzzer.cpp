@@ -13,6 +13,7 @@
 #include "text/Kana.h"
 #include "text/Lexicon.h"
 #include "text/Pinyin.h"
+#include "text/PrepareSentence.h"
 #include "text/TextPreparation.h"
 #include "tools/EngineMessages.h"
 #include "tools/SentencePlan.h"
@@ -44,6 +45,10 @@ void CheckText(const std::string& text, std::size_t which) {
   const LanguageType language = kLanguages[which];
   const TextReport report = ReportText(text, language, LexiconOf(which));
   Require(IsUtf8(report.prepared));
+  const std::size_t length = veral3::WideFromUtf8(text).size();
+  for (const veral3::PreparedWord& word : veral3::PrepareSentence(language, text).words) {
+    Require(word.begin <= word.end && word.end <= length);
+  }
   const std::string once = veral3::PrepareText(text, language);
   Require(veral3::PrepareText(once, language) == once);
   TextTable(report, language);

@@ -79,49 +79,61 @@ std::vector<Piece> Cut(std::wstring_view run, const WordCost& cost) {
   return pieces;
 }
 
-void AppendRun(std::wstring_view run, LanguageType language, const WordCost& cost,
-               std::wstring& result) {
+void AppendRun(const TracedText& text, std::size_t begin, std::size_t length, LanguageType language,
+               const WordCost& cost, TracedText& result) {
+  const std::wstring_view run = text.Text().substr(begin, length);
   if (cost(run)) {
-    result += run;
+    result.Append(text, begin, length);
     return;
   }
-  bool first = true;
+  std::size_t at = begin;
   for (const Piece& piece : Cut(run, cost)) {
-    if (!first) result += L' ';
-    first = false;
+    if (at > begin) result.Append(L' ', text.OriginOf(at, 0));
     const bool spelled = language == kLanguageJapanese && !piece.known && IsKana(piece.text);
     const auto reading = spelled ? ReadKana(piece.text) : std::nullopt;
-    result += reading ? InlinePronunciation(*reading, piece.text) : std::wstring(piece.text);
+    if (reading) {
+      TextOrigin origin = text.OriginOf(at, piece.text.size());
+      origin.source = TextSource::kGuessed;
+      result.Append(InlinePronunciation(*reading, piece.text), origin);
+    } else {
+      result.Append(text, at, piece.text.size());
+    }
+    at += piece.text.size();
   }
 }
 
 }  // namespace
 
-std::wstring SegmentText(std::wstring_view text, LanguageType language, const WordCost& cost) {
-  if (!LacksBlanks(language)) return std::wstring(text);
+TracedText SegmentText(const TracedText& traced, LanguageType language, const WordCost& cost) {
+  if (!LacksBlanks(language)) return traced;
+  const std::wstring_view text = traced.Text();
   const int set = PhonemeSetOf(language)->GetIdentifier();
   const auto parts = [&](wchar_t c) {
     return IsSentenceSpace(set, c) || IsSentencePunctuation(set, c);
   };
-  std::wstring result;
+  TracedText result;
   for (std::size_t i = 0; i < text.size();) {
     if (text[i] == L'|') {
       // An inline segment with its word, up to the next blank.
       std::size_t end = text.find(L'|', i + 1);
       end = end == std::wstring_view::npos ? text.size() : text.find(L' ', end);
       end = std::min(end, text.size());
-      result += text.substr(i, end - i);
+      result.Append(traced, i, end - i);
       i = end;
     } else if (parts(text[i])) {
-      result += text[i++];
+      result.Append(traced, i++, 1);
     } else {
       std::size_t end = i;
       while (end < text.size() && !parts(text[end])) ++end;
-      AppendRun(text.substr(i, end - i), language, cost, result);
+      AppendRun(traced, i, end - i, language, cost, result);
       i = end;
     }
   }
   return result;
+}
+
+std::wstring SegmentText(std::wstring_view text, LanguageType language, const WordCost& cost) {
+  return std::wstring(SegmentText(TracedText(std::wstring(text)), language, cost).Text());
 }
 
 }  // namespace veral3

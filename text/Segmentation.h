@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "common/LanguageType.h"
+#include "text/TracedText.h"
 
 // Cutting Chinese and Japanese text, which is written without blanks, into words of the dictionary.
 namespace veral3 {
@@ -20,6 +21,7 @@ using WordCost = std::function<std::optional<int>(std::wstring_view word)>;
 // are in no word stay together; in Japanese, where they are kana, as an inline pronunciation, since
 // kana say how they sound. Inline segments stay as they are. Text of other languages comes back
 // unchanged.
+TracedText SegmentText(const TracedText& text, LanguageType language, const WordCost& cost);
 std::wstring SegmentText(std::wstring_view text, LanguageType language, const WordCost& cost);
 
 }  // namespace veral3

@@ -46,9 +46,10 @@ WrittenNumber NumberAt(std::wstring_view text, std::size_t start) {
   return number;
 }
 
-std::wstring SpellNumbers(std::wstring_view text, LanguageType language) {
-  if (language != kLanguageChinese && language != kLanguageJapanese) return std::wstring(text);
-  std::wstring spelled;
+TracedText SpellNumbers(const TracedText& traced, LanguageType language) {
+  if (language != kLanguageChinese && language != kLanguageJapanese) return traced;
+  const std::wstring_view text = traced.Text();
+  TracedText spelled;
   bool inline_segment = false;  // between its first and its second bar
   bool inline_word = false;     // behind the second, up to the next blank
   for (std::size_t i = 0; i < text.size();) {
@@ -60,37 +61,41 @@ std::wstring SpellNumbers(std::wstring_view text, LanguageType language) {
       inline_word = false;
     }
     if (inline_segment || inline_word || !(IsDigit(c) || IsSign(text, i))) {
-      spelled += c;
+      spelled.Append(traced, i, 1);
       ++i;
       continue;
     }
+    const std::size_t begin = i;
     const WrittenNumber number = NumberAt(text, i);
     const std::wstring_view following = text.substr(number.next);
     i = number.next;
+    // A time of day: "3:30" is three hours thirty minutes.
+    const bool is_time = following.size() > 1 && following[0] == L':' && IsDigit(following[1]) &&
+                         number.whole.size() <= 2;
+    const WrittenNumber minutes = is_time ? NumberAt(text, i + 1) : WrittenNumber();
+    std::wstring words;
     if (language == kLanguageChinese) {
-      spelled += SpellChineseNumber(number, following);
-      // A time of day: "3:30" is three hours thirty minutes.
-      if (following.size() > 1 && following[0] == L':' && IsDigit(following[1]) &&
-          number.whole.size() <= 2) {
-        const WrittenNumber minutes = NumberAt(text, i + 1);
-        spelled += L"點" + SpellChineseNumber(minutes, L"分") + L"分";
-        i = minutes.next;
-      }
+      words = SpellChineseNumber(number, following);
+      if (is_time) words += L"點" + SpellChineseNumber(minutes, L"分") + L"分";
     } else {
-      const bool is_time = following.size() > 1 && following[0] == L':' && IsDigit(following[1]) &&
-                           number.whole.size() <= 2;
-      const SpelledNumber words = SpellJapaneseNumber(number, is_time ? L"時" : following);
-      spelled += L' ' + words.text + L' ';
+      const SpelledNumber said = SpellJapaneseNumber(number, is_time ? L"時" : following);
+      words = L' ' + said.text + L' ';
       if (is_time) {
-        const WrittenNumber minutes = NumberAt(text, i + 1);
-        spelled += SpellJapaneseNumber(minutes, L"分").text + L' ';
-        i = minutes.next;
+        words += SpellJapaneseNumber(minutes, L"分").text + L' ';
       } else {
-        i += words.consumed;
+        i += said.consumed;
       }
     }
+    if (is_time) i = minutes.next;
+    TextOrigin origin = traced.OriginOf(begin, i - begin);
+    origin.source = TextSource::kNumber;
+    spelled.Append(words, origin);
   }
   return spelled;
+}
+
+std::wstring SpellNumbers(std::wstring_view text, LanguageType language) {
+  return std::wstring(SpellNumbers(TracedText(std::wstring(text)), language).Text());
 }
 
 }  // namespace veral3

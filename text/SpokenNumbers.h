@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "common/LanguageType.h"
+#include "text/TracedText.h"
 
 // Numbers in digits as they are read aloud in Chinese and Japanese, whose dictionaries know no
 // digits. English numbers are the engine's own business.
@@ -26,6 +27,7 @@ WrittenNumber NumberAt(std::wstring_view text, std::size_t start);
 // languages too. Chinese in characters: years of four digits and numbers that begin with 0 digit by
 // digit, 2 before what is counted as "liang". Japanese as inline segments with their pronunciation,
 // since it changes with what is counted (3 hon is "sambon"); the usual counters are known.
+TracedText SpellNumbers(const TracedText& text, LanguageType language);
 std::wstring SpellNumbers(std::wstring_view text, LanguageType language);
 
 // One number with what follows it in the text.

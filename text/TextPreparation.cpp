@@ -52,23 +52,61 @@ std::wstring Normalized(std::wstring_view text, int options) {
       std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length)));
 }
 
+// A voicing mark of halfwidth kana and a combining mark belong to the character before them.
+bool BeginsPiece(wchar_t c) {
+  if (c == 0xFF9E || c == 0xFF9F) return false;
+  return utf8proc_get_property(static_cast<utf8proc_int32_t>(c))->combining_class == 0;
+}
+
+bool IsAscii(wchar_t c) { return c < 0x80; }
+
+// The normalised text of `length` characters from `begin` on. Each character comes from the piece
+// that it was made of: a character with its marks; where more than that melts together, what stands
+// between ASCII characters.
+void AppendNormalized(const TracedText& text, std::size_t begin, std::size_t length, int options,
+                      TracedText& result) {
+  const std::wstring_view run = text.Text().substr(begin, length);
+  const std::wstring whole = Normalized(run, options);
+  for (const auto begins : {BeginsPiece, IsAscii}) {
+    TracedText pieces;
+    for (std::size_t at = 0; at < run.size();) {
+      std::size_t end = at + 1;
+      while (end < run.size() && !begins(run[end])) ++end;
+      const std::wstring_view piece = run.substr(at, end - at);
+      const TextOrigin origin = text.OriginOf(begin + at, end - at);
+      if (piece.size() == 1 && IsAscii(piece.front())) {
+        pieces.Append(piece, origin);
+      } else {
+        pieces.Append(Normalized(piece, options), origin);
+      }
+      at = end;
+    }
+    if (pieces.Text() == whole) {
+      result.Append(pieces);
+      return;
+    }
+  }
+  result.Append(whole, text.OriginOf(begin, length));
+}
+
 // Fullwidth and halfwidth forms as the usual ones. A run goes through at once: a halfwidth kana and
 // its voicing mark make one character. Bars and apostrophes of this kind are punctuation and do not
 // become the characters that mean something to the engine.
-std::wstring WithUsualWidth(std::wstring_view text) {
+TracedText WithUsualWidth(const TracedText& text) {
   constexpr int kCompatible = UTF8PROC_STABLE | UTF8PROC_COMPAT | UTF8PROC_COMPOSE;
-  std::wstring result;
-  for (std::size_t i = 0; i < text.size();) {
+  TracedText result;
+  for (std::size_t i = 0; i < text.Size();) {
     std::size_t end = i;
-    while (end < text.size() && IsWidthVariant(text[end]) && text[end] != 0xFF5C &&
+    while (end < text.Size() && IsWidthVariant(text[end]) && text[end] != 0xFF5C &&
            text[end] != 0xFF07) {
       ++end;
     }
     if (end > i) {
-      result += Normalized(text.substr(i, end - i), kCompatible);
+      AppendNormalized(text, i, end - i, kCompatible, result);
       i = end;
     } else {
-      result += text[i] == 0xFF5C ? L' ' : text[i] == 0xFF07 ? L'\u2019' : text[i];
+      const wchar_t c = text[i] == 0xFF5C ? L' ' : text[i] == 0xFF07 ? L'\u2019' : text[i];
+      result.Append(c, text.OriginOf(i, 1));
       ++i;
     }
   }
@@ -86,12 +124,14 @@ wchar_t Prepared(wchar_t c, bool english) {
   return IsWidePunctuation(c) ? L' ' : c;
 }
 
-std::wstring WithSingleBlanks(std::wstring_view text) {
-  std::wstring result;
-  for (const wchar_t c : text) {
-    if (c != L' ' || (!result.empty() && result.back() != L' ')) result += c;
+TracedText WithSingleBlanks(const TracedText& text) {
+  std::size_t end = text.Size();
+  while (end > 0 && text[end - 1] == L' ') --end;
+  TracedText result;
+  for (std::size_t i = 0; i < end; ++i) {
+    const bool follows_word = result.Size() > 0 && result.Text().back() != L' ';
+    if (text[i] != L' ' || follows_word) result.Append(text, i, 1);
   }
-  if (result.ends_with(L' ')) result.pop_back();
   return result;
 }
 
@@ -124,24 +164,31 @@ std::string Wrapped(std::string_view text) {
 
 }  // namespace
 
-std::string PrepareText(std::string_view text, LanguageType language) {
+TracedText PrepareText(const TracedText& text, LanguageType language) {
   const bool english = language == kLanguageEnglish;
-  const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
-  std::wstring prepared;
-  for (const wchar_t c : usual) {
-    if (const wchar_t kept = Prepared(c, english); kept != 0) prepared += kept;
+  const TracedText usual = WithUsualWidth(text);
+  TracedText prepared;
+  for (std::size_t i = 0; i < usual.Size(); ++i) {
+    if (const wchar_t kept = Prepared(usual[i], english); kept != 0) {
+      prepared.Append(kept, usual.OriginOf(i, 1));
+    }
   }
   int options = UTF8PROC_STABLE | UTF8PROC_COMPOSE;
   if (english) options |= UTF8PROC_STRIPMARK;
+  TracedText normalized;
+  AppendNormalized(prepared, 0, prepared.Size(), options, normalized);
   // The blanks last: a mark that is taken off may have stood between two, or behind the last.
-  return Utf8FromWide(WithSingleBlanks(Normalized(prepared, options)));
+  return WithSingleBlanks(normalized);
 }
 
-std::string PrepareSentence(std::string_view text, LanguageType language, const WordCost& cost) {
-  std::string prepared = PrepareText(text, language);
+std::string PrepareText(std::string_view text, LanguageType language) {
+  return Utf8FromWide(PrepareText(TracedText(WideFromUtf8(text)), language).Text());
+}
+
+TracedText PrepareWords(std::string_view text, LanguageType language, const WordCost& cost) {
+  TracedText prepared = PrepareText(TracedText(WideFromUtf8(text)), language);
   if (language == kLanguageEnglish) return prepared;
-  const std::wstring spelled = SpellNumbers(WideFromUtf8(prepared), language);
-  return Utf8FromWide(WithSingleBlanks(SegmentText(spelled, language, cost)));
+  return WithSingleBlanks(SegmentText(SpellNumbers(prepared, language), language, cost));
 }
 
 SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
@@ -173,7 +220,8 @@ SentenceCheck CheckSentence(std::string_view sentence, LanguageType language,
 
 std::vector<std::string> UnreadSymbols(std::string_view text, LanguageType language) {
   std::vector<std::string> symbols;
-  const std::wstring usual = WithUsualWidth(WideFromUtf8(text));
+  const TracedText width = WithUsualWidth(TracedText(WideFromUtf8(text)));
+  const std::wstring_view usual = width.Text();
   // Nothing in an inline segment is read from a text, nor is the word behind a pronunciation.
   bool inline_segment = false;
   bool inline_word = false;

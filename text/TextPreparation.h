@@ -7,11 +7,13 @@
 
 #include "common/LanguageType.h"
 #include "text/Segmentation.h"
+#include "text/TracedText.h"
 
 // What stands between text as people write it and the sentence that the engine takes: words that
 // its dictionary has, parted by blanks.
 //
-//   std::string sentence = PrepareSentence("Don\u2019t wait", kLanguageEnglish, cost);
+//   TracedText words = PrepareWords("Don\u2019t wait", kLanguageEnglish, cost);
+//   std::string sentence = Utf8FromWide(words.Text());
 //   SentenceCheck check = CheckSentence(sentence, kLanguageEnglish, has_word);
 //   for (const std::string& word : check.missing_words) complain(word);
 //
@@ -25,11 +27,12 @@ namespace veral3 {
 // - composed characters (NFC);
 // - in English, typographic apostrophes straight and accents off (the dictionary has none).
 // Runs of blanks become one; none is left at the ends. UTF-8 in and out.
+TracedText PrepareText(const TracedText& text, LanguageType language);
 std::string PrepareText(std::string_view text, LanguageType language);
 
 // The whole preparation: PrepareText, and in Chinese and Japanese numbers in words and blanks
-// between the words of the dictionary (text/SpokenNumbers.h, tools/Segmentation.h).
-std::string PrepareSentence(std::string_view text, LanguageType language, const WordCost& cost);
+// between the words of the dictionary (text/SpokenNumbers.h, text/Segmentation.h).
+TracedText PrepareWords(std::string_view text, LanguageType language, const WordCost& cost);
 
 // Whether the dictionary has a word, in any case.
 using HasWord = std::function<bool(std::wstring_view word)>;

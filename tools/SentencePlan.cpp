@@ -6,6 +6,7 @@
 #include "core/AnalyzedAudio.h"
 #include "recognition/WordEntry.h"
 #include "text/Lexicon.h"
+#include "text/PrepareSentence.h"
 #include "text/TextPreparation.h"
 #include "tools/EngineMessages.h"
 #include "tools/Shortened.h"
@@ -42,7 +43,7 @@ struct Findings {
 Findings Examine(const std::string& sentence, LanguageType language, const Lexicon& lexicon,
                  bool skip_unknown) {
   Findings findings;
-  findings.prepared = PrepareSentence(sentence, language, lexicon.cost);
+  findings.prepared = PrepareSentence(language, sentence).sentence;
   const SentenceCheck check = CheckSentence(findings.prepared, language, lexicon.has_word);
   std::string passed_over;
   if (!check.missing_words.empty()) {

@@ -1,29 +1,25 @@
 #include "tools/TextReport.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "common/Unicode.h"
-#include "recognition/CPhonemeSet.h"
-#include "recognition/Dictionaries.h"
 #include "recognition/Languages.h"
-#include "recognition/SentenceTokens.h"
 #include "text/Kana.h"
 #include "text/Pinyin.h"
+#include "text/PrepareSentence.h"
 #include "tools/AlignmentJson.h"
-#include "tools/EngineMessages.h"
 #include "tools/PrintableText.h"
 #include "tools/TextCells.h"
 
 namespace veral3::tools {
 namespace {
 
-std::string ReadingOf(const Pronunciation& pronunciation, const PronunciationReport& report,
+std::string ReadingOf(const WordPronunciation& pronunciation, const PronunciationReport& report,
                       LanguageType language) {
   const LanguageRow* const row = FindLanguage(language);
   const ReadingScript script = row == nullptr ? ReadingScript::kSounds : row->reading;
   if (script == ReadingScript::kKana) {
-    return KanaOfPhonemes(pronunciation.phonemes, {pronunciation.syllable_starts.begin(),
-                                                   pronunciation.syllable_starts.end()});
+    return KanaOfPhonemes(pronunciation.phonemes, pronunciation.syllable_starts);
   }
   std::string reading;
   for (const SyllableReport& syllable : report.syllables) {
@@ -38,7 +34,8 @@ std::string ReadingOf(const Pronunciation& pronunciation, const PronunciationRep
   return reading;
 }
 
-PronunciationReport ReportPronunciation(const Pronunciation& pronunciation, LanguageType language) {
+PronunciationReport ReportPronunciation(const WordPronunciation& pronunciation,
+                                        LanguageType language) {
   PronunciationReport report;
   const auto& starts = pronunciation.syllable_starts;
   for (std::size_t s = 0; s < starts.size(); ++s) {
@@ -46,30 +43,21 @@ PronunciationReport ReportPronunciation(const Pronunciation& pronunciation, Lang
     const std::size_t end = s + 1 < starts.size() ? static_cast<std::size_t>(starts[s + 1])
                                                   : pronunciation.phonemes.size();
     report.syllables.push_back(
-        {std::string(pronunciation.phonemes.substr(begin, end - begin)),
+        {pronunciation.phonemes.substr(begin, end - begin),
          s < pronunciation.syllable_marks.size() ? pronunciation.syllable_marks[s] : 0});
   }
   report.reading = ReadingOf(pronunciation, report, language);
   return report;
 }
 
-// The words that the engine makes of one token: several of an English number, none of a word that
-// it lacks.
-void AddWords(std::wstring_view token, LanguageType language, const VeralDictionary& dictionary,
-              std::vector<WordReport>& words) {
-  const EngineMessages muted;
-  WordSequence sequence;
-  dictionary.LookupSentence(token, sequence);
-  for (int w = 0; w < sequence.Count(); ++w) {
-    WordReport word;
-    word.text = Utf8FromWide(sequence[w].word);
-    for (const Pronunciation& pronunciation : sequence[w].pronunciations) {
-      if (!pronunciation.IsUsable()) continue;
-      word.pronunciations.push_back(ReportPronunciation(pronunciation, language));
-    }
-    words.push_back(std::move(word));
+WordReport ReportWord(const PreparedWord& prepared, LanguageType language) {
+  WordReport word;
+  word.text = prepared.text;
+  word.known = prepared.origin != WordOrigin::kUnknown;
+  for (const WordPronunciation& pronunciation : prepared.pronunciations) {
+    word.pronunciations.push_back(ReportPronunciation(pronunciation, language));
   }
-  if (sequence.Count() == 0) words.push_back({Utf8FromWide(token), false, {}});
+  return word;
 }
 
 struct Row {
@@ -81,22 +69,16 @@ struct Row {
 TextReport ReportText(std::string_view text, LanguageType language, const Lexicon& lexicon) {
   TextReport report;
   report.text = text;
-  report.prepared = PrepareSentence(text, language, lexicon.cost);
+  PreparedSentence prepared = PrepareSentence(language, text);
+  report.prepared = std::move(prepared.sentence);
+  for (const PreparedWord& word : prepared.words) {
+    report.words.push_back(ReportWord(word, language));
+  }
   const SentenceCheck check = CheckSentence(report.prepared, language, lexicon.has_word);
   report.missing = check.missing_words;
   report.missing.insert(report.missing.end(), check.unread_numbers.begin(),
                         check.unread_numbers.end());
   report.unread_symbols = UnreadSymbols(text, language);
-  const auto dictionary = DictionaryOf(language);
-  const CPhonemeSet* set = PhonemeSetOf(language);
-  if (dictionary == nullptr || set == nullptr) return report;
-  const std::wstring wide = WideFromUtf8(report.prepared);
-  for (std::size_t position = 0;;) {
-    const SentenceToken token = NextSentenceToken(set->GetIdentifier(), wide, position);
-    if (token.text.empty()) break;
-    position = token.next;
-    AddWords(token.text, language, *dictionary, report.words);
-  }
   return report;
 }
 

@@ -27,6 +27,7 @@
 #include "signal/CWaveFrameDef.h"
 #include "signal/HighPassFilter.h"
 #include "text/Lexicon.h"
+#include "text/PrepareSentence.h"
 #include "text/TextPreparation.h"
 #include "tools/AudioFile.h"
 #include "tools/Resources.h"
@@ -57,7 +58,7 @@ class Labeller {
 
   // The recording with its phoneme times; `reason` says why there is none.
   std::optional<Utterance> Label(const FolderEntry& entry, std::string& reason) {
-    const std::string text = PrepareSentence(entry.text, m_language, m_lexicon.cost);
+    const std::string text = PrepareSentence(m_language, entry.text).sentence;
     const auto check = CheckSentence(text, m_language, m_lexicon.has_word);
     if (!check.missing_words.empty()) {
       reason = "the dictionary lacks \"" + check.missing_words.front() + "\"";
