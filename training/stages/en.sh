@@ -91,10 +91,7 @@ files() {
 }
 
 # What the networks learn from besides the first round, a word each, shares before them.
-frame_features() {
-  echo 0.50 $(files a b wide) 0.37 $(files $english_voices) 0.13 $(files $voices_foreign)
-}
-phoneme_features() {
+english_features() {
   echo 0.50 $(files a b wide) 0.37 $(files $english_voices) 0.13 $(files $voices_foreign)
 }
 
@@ -106,12 +103,12 @@ english_frame() {
 }
 
 frame_second() {
-  english_frame 9 "$work" resources/EnglishFrame.model $(frame_features)
+  english_frame 9 "$work" resources/EnglishFrame.model $(english_features)
 }
-phoneme_4() { phoneme_teacher 1 4 1200000 "$work" $(phoneme_features); }
-phoneme_5() { phoneme_teacher 1 5 1200000 "$work" $(phoneme_features); }
+phoneme_4() { phoneme_teacher 1 4 1200000 "$work" $(english_features); }
+phoneme_5() { phoneme_teacher 1 5 1200000 "$work" $(english_features); }
 phoneme() {
-  phoneme_student 1 1200000 "$work" resources/EnglishPhon.model $(phoneme_features)
+  phoneme_student 1 1200000 "$work" resources/EnglishPhon.model $(english_features)
 }
 
 models="EnglishFrame EnglishPhon"
