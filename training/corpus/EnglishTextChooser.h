@@ -11,8 +11,8 @@
 
 namespace veral3::training {
 
-// Draws English texts that espeak-ng's current voice can say, the best balanced of several each time;
-// held-out ones as they come.
+// Draws English texts that espeak-ng's current voice can say, the best balanced of several each
+// time; held-out ones as they come.
 class EnglishTextChooser {
  public:
   explicit EnglishTextChooser(const SpeakerOptions& options);

@@ -219,7 +219,7 @@ int main(int argc, char** argv) {
   app.add_option("--temperature", options.temperature,
                  "what the model file's softmax is given is divided by this");
   app.add_flag("--as-scored", options.as_scored,
-               "the model file takes phonemes to be as frequent as their scores do");
+               "the model file takes phonemes to be as frequent as suits their scores");
   veral3::training::AddLanguageOption(app, options.language);
   app.add_option("--jitter", options.jitter, "frames by which boundaries are moved at random");
   veral3::training::AddTrainingOptions(app, options.train);

@@ -29,7 +29,7 @@ other_corpora() {
     seed=$((seed + 1))
     speaker="--${voice%-*} ${voice#*-}"
     if [[ $voice == festival-* ]]; then speaker+=_diphone; fi
-    jobs+=("$bin/make-corpus --words $dictionary $speaker --evenness 0.5 --count 1200 \
+    jobs+=("$bin/make-corpus --words $dictionary $speaker --evenness 0.5 --count 1000 \
       --seed $seed --out $work/$voice.raw")
   done
   for voice in kal16 awb rms slt; do
@@ -38,7 +38,7 @@ other_corpora() {
       --out $work/held-$voice.raw")
   done
   both "${jobs[@]}"
-  voices_foreign_corpora en 1000 $voices_foreign
+  voices_foreign_corpora en 700 $voices_foreign
 }
 
 # Twice plainly for the first round, once widely degraded for the others.
@@ -46,7 +46,7 @@ espeak_features() {
   $bin/make-features --corpus "$work"/a[1-6].corpus --seed 11 --out "$work/a.features"
   $bin/make-features --corpus "$work"/b[1-8].corpus --warp-low 0.74 --seed 12 \
     --out "$work/b.features"
-  $bin/make-features --corpus "$work"/[ab][1-8].corpus --degrade --pieces 0.3 --paragraphs 0.1 \
+  $bin/make-features --corpus "$work"/[ab][1-8].corpus --degrade --pieces 0.25 --paragraphs 0.03 \
     --warp-low 0.74 --seed 14 --out "$work/wide.features"
   $bin/make-features --corpus "$work/held.corpus" --seed 91 --out "$work/held.features"
 }
@@ -74,8 +74,8 @@ other_features() {
   local voice seed=30
   for voice in $english_voices; do
     seed=$((seed + 1))
-    $bin/make-features --corpus "$work/$voice.corpus" --degrade --morph 3 --pieces 0.5 \
-      --paragraphs 0.1 --warp-low 0.74 --seed $seed --out "$work/$voice.features"
+    $bin/make-features --corpus "$work/$voice.corpus" --degrade --morph 2 --pieces 0.4 \
+      --paragraphs 0.03 --warp-low 0.74 --seed $seed --out "$work/$voice.features"
   done
   for voice in $voices_foreign; do
     seed=$((seed + 1))
@@ -91,11 +91,8 @@ files() {
 }
 
 # What the networks learn from besides the first round, a word each, shares before them.
-frame_features() {
-  echo 0.45 $(files a b wide) 0.42 $(files $english_voices) 0.13 $(files $voices_foreign)
-}
-phoneme_features() {
-  echo 0.40 $(files a b wide) 0.45 $(files $english_voices) 0.15 $(files $voices_foreign)
+english_features() {
+  echo 0.50 $(files a b wide) 0.37 $(files $english_voices) 0.13 $(files $voices_foreign)
 }
 
 # english_frame EPOCHS FOLDER MODEL FEATURES...: all voices, boundaries where they are.
@@ -106,12 +103,12 @@ english_frame() {
 }
 
 frame_second() {
-  english_frame 9 "$work" resources/EnglishFrame.model $(frame_features)
+  english_frame 9 "$work" resources/EnglishFrame.model $(english_features)
 }
-phoneme_4() { phoneme_teacher 1 4 1200000 "$work" $(phoneme_features); }
-phoneme_5() { phoneme_teacher 1 5 1200000 "$work" $(phoneme_features); }
+phoneme_4() { phoneme_teacher 1 4 1200000 "$work" $(english_features); }
+phoneme_5() { phoneme_teacher 1 5 1200000 "$work" $(english_features); }
 phoneme() {
-  phoneme_student 1 1200000 "$work" resources/EnglishPhon.model $(phoneme_features)
+  phoneme_student 1 1200000 "$work" resources/EnglishPhon.model $(english_features)
 }
 
 models="EnglishFrame EnglishPhon"

@@ -17,8 +17,8 @@ one_corpora() {
   jobs+=("$bin/make-corpus --language $1 --words $dictionary --held-out --count $3 --seed $4 \
     --out $work/held.corpus")
   both "${jobs[@]}"
-  voices_foreign_corpora "$1" 700 $voices_foreign
-  voices_english_corpora "$1" 500
+  voices_foreign_corpora "$1" 500 $voices_foreign
+  voices_english_corpora "$1" 400
 }
 
 one_voices() {
@@ -33,7 +33,7 @@ one_features() {
   $bin/make-features --language "$1" --corpus "$work"/b[1-8].corpus --warp-low 0.74 --seed "$2" \
     --out "$work/b.features"
   $bin/make-features --language "$1" --corpus "$work"/b[1-8].corpus --degrade --morph 1 --pieces 0.3 \
-    --paragraphs 0.1 --warp-low 0.74 --seed "$2"1 --out "$work/wide.features"
+    --paragraphs 0.03 --warp-low 0.74 --seed "$2"1 --out "$work/wide.features"
   for voice in $(one_voices); do
     seed=$((seed + 1))
     $bin/make-features --language "$1" --corpus "$work/$voice.corpus" --degrade --pieces 0.3 \

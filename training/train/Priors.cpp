@@ -47,7 +47,7 @@ std::vector<double> ScoredShares(LanguageType language, std::span<const double> 
   if (learnt.size() != shares.size()) throw std::runtime_error("other classes than the phonemes");
   shares[pause] = 0.0;
   const double sum = std::accumulate(shares.begin(), shares.end(), 0.0);
-  for (double& share : shares) share *= (1.0 - learnt[pause]) / sum;
+  for (double& share : shares) share *= std::min(share, 1.0) * (1.0 - learnt[pause]) / sum;
   shares[pause] = learnt[pause];
   return shares;
 }
