@@ -44,9 +44,9 @@ TEST_F(Prepare, ChineseIsCutWhereItStands) {
 }
 
 TEST_F(Prepare, EnglishWordsKeepTheirPlaces) {
-  EXPECT_THAT(Words(kLanguageEnglish, L"\u201CDon\u2019t\u201D  wait\u2014caf\u00E9s, xyzzyq"),
-              ElementsAre("DON'T=Don\u2019t:d", "WAIT=wait:d", "CAFES=caf\u00E9s:d",
-                          "xyzzyq=xyzzyq:u"));
+  EXPECT_THAT(
+      Words(kLanguageEnglish, L"\u201CDon\u2019t\u201D  wait\u2014caf\u00E9s, xyzzyq"),
+      ElementsAre("DON'T=Don\u2019t:d", "WAIT=wait:d", "CAFES=caf\u00E9s:d", "xyzzyq=xyzzyq:u"));
   // A mark that stands for itself, and characters that nobody sees.
   EXPECT_THAT(Words(kLanguageEnglish, L"\uFEFFcafe\u0301s w\u00ADait \uFF27\uFF4F"),
               ElementsAre("CAFES=cafe\u0301s:d", "WAIT=w\u00ADait:d", "GO=\uFF27\uFF4F:d"));
