@@ -43,23 +43,3 @@ voices_english_corpora() {
   done
   both "${jobs[@]}"
 }
-
-# voices_kal COUNT: the other English voice of festival, for English, beside ked in en.sh. Its speaker
-# is flite's kal16: leave both out together.
-voices_kal() {
-  $bin/make-corpus --words "$voices_words" --festival kal_diphone --count "$1" --seed 311 \
-    --out "$work/festival-kal.raw"
-}
-
-# voices_align_kal MODEL: times by forced alignment, as the other English voices have them.
-voices_align_kal() {
-  $bin/align-corpus --threads 1 --model "$1" --corpus "$work/festival-kal.raw" \
-    --out "$work/festival-kal.corpus"
-}
-
-# The voice for measuring, in held-out sentences: only models that never heard flite's slt, who is the
-# same speaker, may be measured on it.
-voices_measuring() {
-  $bin/make-corpus --held-out --festival cmu_us_slt_arctic_hts --count 120 --seed 91310 \
-    --out "$work/held-slt-hts.corpus"
-}
